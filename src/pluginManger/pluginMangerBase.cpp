@@ -1,0 +1,366 @@
+#include "pluginMangerBase.h"
+
+#include "PluginInterface.h"
+#include "private/logTexts_p.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QLibrary>
+#include <QtCore/QPluginLoader>
+#include <QtCore/QStringList>
+#include <QtWidgets/QMessageBox>
+
+#include <glog/logging.h>
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+using LogTexts::toGbk;
+
+namespace {
+
+/**
+ * One outer dependency check.
+ *
+ * It does what a plain recursion does and writes the same lines, but keeps its own stack, so that a long
+ * chain of plug-ins cannot overflow the thread's, and walks no sound plug-in twice, so that a lattice of
+ * them costs no more than its edges. What fails is walked again for each plug-in that needs it, because
+ * every one of its lines is wanted each time. Only what leads into a cycle is not: there a recursion
+ * would never return.
+ */
+class DependencyWalk
+{
+public:
+    DependencyWalk(const QTPluginsMangerPrivate &tables, const char *function)
+        : m_tables(tables)
+        , m_function(function)
+    {
+    }
+
+    bool isSound(const QString &key);
+
+private:
+    struct Level
+    {
+        QString key;
+        QVariantList dependencies;
+        int next = 0;
+        bool sound = true;
+        bool circular = false;
+    };
+
+    enum class State { Walking, Sound, Circular };
+
+    struct Finding
+    {
+        State state;
+        std::size_t level;
+    };
+
+    void enter(const QString &key);
+    void leave();
+    void examine(const QVariantMap &dependency);
+    void examineSoundness(const QVariant &name, const QString &key);
+    void reportCorrupted(const QVariant &name, const QString &key) const;
+    void reportCircular(const QVariant &name, const QString &key, std::size_t firstLevel) const;
+    std::optional<QString> keyOf(const QVariant &name);
+    void indexNames();
+
+    const QTPluginsMangerPrivate &m_tables;
+    const char *const m_function;
+    std::vector<Level> m_levels;
+    QHash<QString, Finding> m_findings;
+    QHash<QString, QString> m_keysByName;
+    bool m_namesIndexed = false;
+    bool m_namesAreTexts = true;
+};
+
+bool DependencyWalk::isSound(const QString &key)
+{
+    if (m_tables.m_dependencies.value(key).isEmpty())
+        return true;
+
+    enter(key);
+    for (;;) {
+        Level &level = m_levels.back();
+        if (level.next < level.dependencies.size())
+            examine(level.dependencies.at(level.next++).toMap());
+        else if (m_levels.size() > 1)
+            leave();
+        else
+            return level.sound;
+    }
+}
+
+void DependencyWalk::enter(const QString &key)
+{
+    m_findings.insert(key, {State::Walking, m_levels.size()});
+    m_levels.push_back({key, m_tables.m_dependencies.value(key)});
+}
+
+void DependencyWalk::leave()
+{
+    const Level done = m_levels.back();
+    m_levels.pop_back();
+
+    if (done.sound)
+        m_findings[done.key].state = State::Sound;
+    else if (done.circular)
+        m_findings[done.key].state = State::Circular;
+    else
+        m_findings.remove(done.key);
+
+    if (done.sound)
+        return;
+    Level &dependent = m_levels.back();
+    dependent.sound = false;
+    dependent.circular = dependent.circular || done.circular;
+    const QVariantMap dependency = dependent.dependencies.at(dependent.next - 1).toMap();
+    reportCorrupted(dependency.value(QStringLiteral("name")), done.key);
+}
+
+void DependencyWalk::examine(const QVariantMap &dependency)
+{
+    const QVariant name = dependency.value(QStringLiteral("name"));
+    const QVariant version = dependency.value(QStringLiteral("version"));
+
+    const std::optional<QString> key = keyOf(name);
+    if (!key) {
+        m_levels.back().sound = false;
+        qDebug() << m_function << " Missing dependency:" << name.toString() << "for plugin" << QString();
+        return;
+    }
+    const QVariant found = m_tables.m_versions.value(*key);
+    if (found != version) {
+        m_levels.back().sound = false;
+        qDebug() << m_function << "Version mismatch:" << name.toString() << "version" << found.toString()
+                 << "but" << version.toString() << "required for plugin" << *key;
+        return;
+    }
+    examineSoundness(name, *key);
+}
+
+void DependencyWalk::examineSoundness(const QVariant &name, const QString &key)
+{
+    const auto finding = m_findings.constFind(key);
+    if (finding == m_findings.constEnd()) {
+        enter(key);
+        return;
+    }
+    if (finding->state == State::Sound)
+        return;
+
+    m_levels.back().sound = false;
+    m_levels.back().circular = true;
+    if (finding->state == State::Walking)
+        reportCircular(name, key, finding->level);
+    else
+        reportCorrupted(name, key);
+}
+
+void DependencyWalk::reportCorrupted(const QVariant &name, const QString &key) const
+{
+    qDebug() << m_function << "Corrupted dependency:" << name.toString() << "for plugin" << key;
+}
+
+void DependencyWalk::reportCircular(const QVariant &name, const QString &key, std::size_t firstLevel) const
+{
+    // A long way round is shown by its ends: enough to find it, and the lines stay bounded.
+    constexpr std::size_t shownAtEachEnd = 8;
+    QStringList way;
+    for (std::size_t level = firstLevel; level < m_levels.size(); ++level) {
+        if (level == firstLevel + shownAtEachEnd && level + shownAtEachEnd < m_levels.size()) {
+            way.append(QStringLiteral("..."));
+            level = m_levels.size() - shownAtEachEnd;
+        }
+        way.append(m_levels[level].key);
+    }
+    way.append(key);
+    qDebug() << m_function << "Circular dependency:" << name.toString() << "for plugin" << key << "by way of"
+             << way.join(QStringLiteral(" -> "));
+}
+
+/// Returns the first key of m_names whose value equals `name`.
+std::optional<QString> DependencyWalk::keyOf(const QVariant &name)
+{
+    indexNames();
+    if (m_namesAreTexts && name.userType() == QMetaType::QString) {
+        const auto key = m_keysByName.constFind(name.toString());
+        return key == m_keysByName.constEnd() ? std::nullopt : std::make_optional(*key);
+    }
+    const auto end = m_tables.m_names.constEnd();
+    const auto entry = std::find(m_tables.m_names.constBegin(), end, name);
+    return entry == end ? std::nullopt : std::make_optional(entry.key());
+}
+
+void DependencyWalk::indexNames()
+{
+    if (m_namesIndexed)
+        return;
+    m_namesIndexed = true;
+    for (auto entry = m_tables.m_names.constBegin(); entry != m_tables.m_names.constEnd(); ++entry) {
+        if (entry->userType() != QMetaType::QString) {
+            m_namesAreTexts = false;
+            return;
+        }
+        if (!m_keysByName.contains(entry->toString()))
+            m_keysByName.insert(entry->toString(), entry.key());
+    }
+}
+
+bool passesCheck(const QTPluginsMangerPrivate &tables, const QString &path)
+{
+    // Linux knows no ".dll", but there too it is what plug-ins are called.
+    if (!QLibrary::isLibrary(path) && !path.endsWith(QLatin1String(".dll"))) {
+        LOG(ERROR) << toGbk(LogTexts::notALibrary()) << path.toStdString();
+        return false;
+    }
+    if (!tables.check(path)) {
+        LOG(ERROR) << toGbk(LogTexts::dependenciesFailed()) << path.toStdString();
+        return false;
+    }
+    return true;
+}
+
+void reportFailedLoad(const QString &path, const QString &reason)
+{
+    LOG(ERROR) << toGbk(LogTexts::loadFailed()) << path.toStdString() << toGbk(LogTexts::loadFailedReason())
+               << reason.toStdString();
+    QMessageBox::information(nullptr, QStringLiteral("提示"), LogTexts::loadFailed() + path);
+}
+
+/// Has a missing function reported when the library is loaded. Otherwise it ends the process when it is
+/// first called, on the platforms that bind functions late.
+template <typename Loader>
+void resolveAllAtLoad(Loader &loader)
+{
+    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
+}
+
+void unloadListedLibrary(QTPluginsMangerPrivate &tables, const QString &path)
+{
+    QLibrary *const library = tables.m_libraries.value(path);
+    if (!library || !library->unload())
+        return;
+    tables.m_libraries.remove(path);
+    delete library;
+}
+
+void unloadListedQtPlugin(QTPluginsMangerPrivate &tables, const QString &path)
+{
+    QPluginLoader *const loader = tables.m_loaders.value(path);
+    if (!loader || !loader->unload())
+        return;
+    // The path leaves m_libraries, and m_loaders goes on listing it: hosts see there what was once loaded.
+    tables.m_libraries.remove(path);
+    tables.m_loaders[path] = nullptr;
+    delete loader;
+}
+
+}
+
+bool QTPluginsMangerPrivate::check(const QString &filepath) const
+{
+    return DependencyWalk(*this, Q_FUNC_INFO).isSound(filepath);
+}
+
+QTpluginsMangerBase::QTpluginsMangerBase(QObject *parent)
+    : QObject(parent)
+{
+}
+
+QTpluginsMangerBase::~QTpluginsMangerBase() = default;
+
+void QTpluginsMangerBase::readPluginConfig(QTPluginsMangerPrivate &tables, const QString &filePath)
+{
+    QFile file(filePath);
+    if (!file.exists()) {
+        LOG(ERROR) << toGbk(LogTexts::configMissing()) << filePath.toStdString();
+        return;
+    }
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        LOG(ERROR) << toGbk(LogTexts::configNotOpened()) << filePath.toStdString();
+        return;
+    }
+    const QByteArray content = file.readAll();
+    file.close();
+
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(content, &parseError);
+    if (parseError.error != QJsonParseError::NoError)
+        LOG(ERROR) << toGbk(LogTexts::configNotParsed()) << filePath.toStdString();
+
+    const QJsonArray plugins = document.object().value(QLatin1String("pluginList")).toArray();
+    for (const QJsonValue &entry : plugins) {
+        const QJsonObject plugin = entry.toObject();
+        const QString name = plugin.value(QLatin1String("name")).toString() + QLatin1String("");
+        tables.m_names[name] = name;
+        tables.m_versions[name] = plugin.value(QLatin1String("version")).toVariant();
+        tables.m_dependencies[name] = plugin.value(QLatin1String("dependencies")).toArray().toVariantList();
+    }
+}
+
+void QTpluginsMangerBase::loadLibraryPlugin(QTPluginsMangerPrivate &tables, const QString &path)
+{
+    if (!passesCheck(tables, path))
+        return;
+    unloadListedLibrary(tables, path);
+
+    auto *const library = new QLibrary(path);
+    resolveAllAtLoad(*library);
+    if (library->load())
+        tables.m_libraries.insert(path, library);
+    else
+        reportFailedLoad(path, library->errorString());
+}
+
+void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QString &path)
+{
+    if (!passesCheck(tables, path))
+        return;
+    unloadListedQtPlugin(tables, path);
+
+    auto *const loader = new QPluginLoader(path);
+    resolveAllAtLoad(*loader);
+    if (!loader->load()) {
+        reportFailedLoad(path, loader->errorString());
+        return;
+    }
+    if (!dynamic_cast<PluginInterface *>(loader->instance())) {
+        loader->unload();
+        delete loader;
+        return;
+    }
+    tables.m_loaders.insert(path, loader);
+}
+
+QLibrary *QTpluginsMangerBase::findLibrary(const QTPluginsMangerPrivate &tables, const QString &path) const
+{
+    return tables.m_libraries.value(path);
+}
+
+QPluginLoader *QTpluginsMangerBase::findQtPlugin(const QTPluginsMangerPrivate &tables,
+                                                 const QString &name) const
+{
+    return tables.m_loaders.value(name + QLatin1String(".dll"));
+}
+
+void QTpluginsMangerBase::unloadAllLibraries(QTPluginsMangerPrivate &tables)
+{
+    const QStringList paths = tables.m_libraries.keys();
+    for (const QString &path : paths)
+        unloadListedLibrary(tables, path);
+    LOG(INFO) << toGbk(LogTexts::allUnloaded());
+}
+
+void QTpluginsMangerBase::unloadAllQtPlugins(QTPluginsMangerPrivate &tables)
+{
+    const QStringList paths = tables.m_loaders.keys();
+    for (const QString &path : paths)
+        unloadListedQtPlugin(tables, path);
+    LOG(INFO) << toGbk(LogTexts::allUnloaded());
+}
