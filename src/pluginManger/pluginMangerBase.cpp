@@ -212,6 +212,25 @@ void DependencyWalk::indexNames()
     }
 }
 
+/// Makes every number a double, also a whole one, which Qt's JSON would hand over as an integer: versions
+/// are compared as variants, and the double 2 equals the text "2.0" while the integer does not.
+QVariant withNumbersAsDoubles(QVariant value)
+{
+    if (value.userType() == QMetaType::LongLong)
+        return value.toDouble();
+    if (value.userType() == QMetaType::QVariantList) {
+        QVariantList list = value.toList();
+        std::transform(list.begin(), list.end(), list.begin(), withNumbersAsDoubles);
+        return list;
+    }
+    if (value.userType() == QMetaType::QVariantMap) {
+        QVariantMap map = value.toMap();
+        std::transform(map.begin(), map.end(), map.begin(), withNumbersAsDoubles);
+        return map;
+    }
+    return value;
+}
+
 bool passesCheck(const QTPluginsMangerPrivate &tables, const QString &path)
 {
     // Linux knows no ".dll", but there too it is what plug-ins are called.
@@ -297,10 +316,13 @@ void QTpluginsMangerBase::readPluginConfig(QTPluginsMangerPrivate &tables, const
     const QJsonArray plugins = document.object().value(QLatin1String("pluginList")).toArray();
     for (const QJsonValue &entry : plugins) {
         const QJsonObject plugin = entry.toObject();
+        // Joined with an empty text, so that an entry without a name has an empty one, not a null one.
         const QString name = plugin.value(QLatin1String("name")).toString() + QLatin1String("");
         tables.m_names[name] = name;
-        tables.m_versions[name] = plugin.value(QLatin1String("version")).toVariant();
-        tables.m_dependencies[name] = plugin.value(QLatin1String("dependencies")).toArray().toVariantList();
+        tables.m_versions[name] = withNumbersAsDoubles(plugin.value(QLatin1String("version")).toVariant());
+        tables.m_dependencies[name] =
+            withNumbersAsDoubles(plugin.value(QLatin1String("dependencies")).toArray().toVariantList())
+                .toList();
     }
 }
 
