@@ -15,5 +15,5 @@ run(${CMAKE_COMMAND} -S ${consumerDir} -B ${scratchDir}/build -G ${generator}
     -D CMAKE_CXX_FLAGS=${flags}
     -D CMAKE_BUILD_TYPE=${buildType})
 run(${CMAKE_COMMAND} --build ${scratchDir}/build)
-run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen PLUGINMANGER_PATH=${consumerDir}
+run(${CMAKE_COMMAND} -E env PLUGINMANGER_PATH=${consumerDir}
     ${scratchDir}/build/host)
