@@ -1,0 +1,55 @@
+#include "messages.h"
+#include "sampleJob.h"
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QVBoxLayout>
+
+/// A filter for part numbers, with a line of information below it.
+class FilterBar : public QVBoxLayout
+{
+    Q_OBJECT
+
+public:
+    FilterBar();
+
+    void showText(const QString &text);
+
+signals:
+    void filterChanged(const QString &filter);
+
+private:
+    QLabel *const m_info = new QLabel;
+};
+
+FilterBar::FilterBar()
+{
+    auto *const filter = new QLineEdit;
+    filter->setPlaceholderText(QStringLiteral("Filter parts and jobs"));
+    filter->setClearButtonEnabled(true);
+    addWidget(filter);
+    addWidget(m_info);
+    showText(QStringLiteral("%1 part numbers").arg(sampleParts().size()));
+    connect(filter, &QLineEdit::textChanged, this, &FilterBar::filterChanged);
+}
+
+void FilterBar::showText(const QString &text)
+{
+    m_info->setText(text);
+}
+
+/// The layout has no parent yet: it belongs to the layout that the host adds it to, as its widgets then
+/// belong to the widget of that layout.
+extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *)
+{
+    return static_cast<QVBoxLayout *>(new FilterBar);
+}
+
+extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
+{
+    if (message.type == MessageType::ShowText)
+        static_cast<FilterBar *>(static_cast<QVBoxLayout *>(element))
+            ->showText(parameter(message, "Text").toString());
+}
+
+#include "FilterBar.moc"

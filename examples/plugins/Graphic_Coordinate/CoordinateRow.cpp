@@ -1,0 +1,85 @@
+#include "messages.h"
+
+#include <QtCore/QPointF>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+/// A row that shows a position on the board in a unit that the user chooses.
+class CoordinateRow : public QHBoxLayout
+{
+    Q_OBJECT
+
+public:
+    CoordinateRow();
+
+    void showText(const QString &text);
+
+public slots:
+    void showPosition(QPointF position);
+
+private:
+    void addUnit(const QString &name, double millimetres);
+    void update();
+
+    QLabel *const m_position = new QLabel;
+    QLabel *const m_text = new QLabel;
+    QComboBox *const m_unit = new QComboBox;
+    QPointF m_millimetres;
+};
+
+CoordinateRow::CoordinateRow()
+{
+    addUnit(QStringLiteral("mm"), 1);
+    addUnit(QStringLiteral("inch"), 25.4);
+    addUnit(QStringLiteral("mil"), 0.0254);
+
+    addWidget(new QLabel(QStringLiteral("Position")));
+    addWidget(m_position);
+    addWidget(m_unit);
+    addWidget(m_text, 1);
+    m_position->setMinimumWidth(170);
+    connect(m_unit, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &CoordinateRow::update);
+    update();
+}
+
+void CoordinateRow::showText(const QString &text)
+{
+    m_text->setText(text);
+}
+
+void CoordinateRow::showPosition(QPointF position)
+{
+    m_millimetres = position;
+    update();
+}
+
+void CoordinateRow::addUnit(const QString &name, double millimetres)
+{
+    m_unit->addItem(name, millimetres);
+}
+
+void CoordinateRow::update()
+{
+    const QPointF position = m_millimetres / m_unit->currentData().toDouble();
+    m_position->setText(
+        QStringLiteral("X %1   Y %2").arg(position.x(), 8, 'f', 3).arg(position.y(), 8, 'f', 3));
+}
+
+/// The layout has no parent yet: it belongs to the layout that the host adds it to, as its widgets then
+/// belong to the widget of that layout.
+extern "C" Q_DECL_EXPORT void *GetGraphic_CoordinateInstance(QWidget *)
+{
+    return static_cast<QHBoxLayout *>(new CoordinateRow);
+}
+
+extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
+{
+    auto *const row = static_cast<CoordinateRow *>(static_cast<QHBoxLayout *>(element));
+    if (message.type == MessageType::ShowText)
+        row->showText(parameter(message, "Text").toString());
+    else if (message.type == MessageType::ShowPosition)
+        row->showPosition({parameter(message, "X").toDouble(), parameter(message, "Y").toDouble()});
+}
+
+#include "CoordinateRow.moc"

@@ -1,0 +1,54 @@
+#include "messages.h"
+
+#include <QtCore/QStringList>
+#include <QtCore/QTimer>
+#include <QtWidgets/QLabel>
+
+namespace {
+
+/// One line of advice after the other.
+class Tips : public QLabel
+{
+public:
+    explicit Tips(QWidget *parent);
+
+private:
+    void showNext();
+
+    const QStringList m_tips{
+        QStringLiteral("Tip: turn the wheel over the board to zoom, drag it to move."),
+        QStringLiteral("Tip: choose a row of the layer matrix to see that layer alone."),
+        QStringLiteral("Tip: click the overview to go to that place on the board."),
+        QStringLiteral("Tip: type in the filter to shorten the list of part numbers."),
+    };
+    int m_next = 0;
+};
+
+Tips::Tips(QWidget *parent)
+    : QLabel(parent)
+{
+    auto *const timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &Tips::showNext);
+    timer->start(8000);
+    showNext();
+}
+
+void Tips::showNext()
+{
+    setText(m_tips.at(m_next));
+    m_next = (m_next + 1) % m_tips.size();
+}
+
+}
+
+/// The line belongs to its parent.
+extern "C" Q_DECL_EXPORT void *GetGraphic_TipsInstance(QWidget *parent)
+{
+    return static_cast<QWidget *>(new Tips(parent));
+}
+
+extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
+{
+    if (message.type == MessageType::ShowText)
+        static_cast<Tips *>(static_cast<QWidget *>(element))->setText(parameter(message, "Text").toString());
+}

@@ -1,0 +1,41 @@
+#include "entryActions.h"
+#include "messages.h"
+
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QToolButton>
+
+namespace {
+
+QToolButton *makeButton(QAction *action)
+{
+    auto *const button = new QToolButton;
+    button->setDefaultAction(action);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return button;
+}
+
+}
+
+/// The layout has no parent yet: it belongs to the layout that the host adds it to, as its buttons then
+/// belong to the widget of that layout. The parent may have a layout already, so it is not used here.
+extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *)
+{
+    constexpr int columns = 2;
+    auto *const grid = new QGridLayout;
+    grid->setSpacing(3);
+    const QList<QAction *> actions = makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), grid);
+    for (QAction *const action : actions)
+        grid->addWidget(makeButton(action), grid->count() / columns, grid->count() % columns);
+    return grid;
+}
+
+/// The text becomes the tool tip of every button.
+extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
+{
+    if (message.type != MessageType::ShowText)
+        return;
+    const auto *const grid = static_cast<QGridLayout *>(element);
+    const QList<QAction *> actions = grid->findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly);
+    for (QAction *const action : actions)
+        action->setToolTip(parameter(message, "Text").toString());
+}

@@ -1,0 +1,20 @@
+#include "entryActions.h"
+#include "messages.h"
+
+#include <QtWidgets/QMenu>
+
+/// The menu belongs to its parent. Its first entry is a heading with the name of the job that it acts on.
+extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent, const QString &text)
+{
+    auto *const menu = new QMenu(QStringLiteral(PLUGIN_TITLE), parent);
+    menu->addAction(text)->setEnabled(false);
+    menu->addSeparator();
+    menu->addActions(makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), menu));
+    return menu;
+}
+
+extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
+{
+    if (message.type == MessageType::ShowText)
+        showMessageEntry(static_cast<QMenu *>(element), parameter(message, "Text").toString());
+}
