@@ -1,17 +1,22 @@
 #include "pluginManger4CAM.h"
 
 #include "common.h"
+#include "private/delivery_p.h"
 #include "private/elementFactories_p.h"
+#include "private/frameFactories_p.h"
 #include "private/logTexts_p.h"
 #include "private/registry_p.h"
 #include "private/resolve_p.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QException>
 #include <QtCore/QLibrary>
+#include <QtCore/QStringList>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QToolBar>
 #include <QtWidgets/QVBoxLayout>
@@ -21,6 +26,131 @@
 #include <exception>
 
 namespace {
+
+/// Makes a frame of the graphic editor for a job and a step of it.
+using StepFrameFactory = void *(QWidget *, const QString &, const QString &);
+
+/// The codes that the manager knows or sends; all others pass through unexamined.
+namespace MessageType {
+constexpr qint32 invalid = -1;
+constexpr qint32 quiet = 10000000;
+constexpr qint32 frameOpened = 20001638;
+constexpr qint32 jobRenamed = 20002400;
+constexpr qint32 matrixRenamed = 20002401;
+constexpr qint32 frameClosed = 20002402;
+constexpr qint32 guideOpened = 20003913;
+constexpr qint32 dfmFrameOpened = 20004616;
+}
+
+using MessageData = QMap<QString, QVariant>;
+
+/// The keys of a message's data that the manager reads or writes.
+namespace DataKey {
+QString dstType()
+{
+    return QStringLiteral("DstType");
+}
+QString jobName()
+{
+    return QStringLiteral("JobName");
+}
+QString step()
+{
+    return QStringLiteral("Step");
+}
+QString isCamAssistant()
+{
+    return QStringLiteral("IsCamAssistant");
+}
+QString oldJobName()
+{
+    return QStringLiteral("OldJobName");
+}
+QString newJobName()
+{
+    return QStringLiteral("NewJobName");
+}
+QString changeStepName()
+{
+    return QStringLiteral("ChangeStepName");
+}
+}
+
+QString separator()
+{
+    return QString::fromLatin1(FrameNames::separator);
+}
+
+QString guideNameOf(const QString &job)
+{
+    return job + QLatin1String(FrameNames::guideSuffix);
+}
+
+QString nameOf(const RegisterRecord &record)
+{
+    return QString::fromStdString(record.name);
+}
+
+/// What stands before the first `mark` in the name of a frame; the whole name where there is none.
+QString jobOf(const RegisterRecord &frame, const QString &mark)
+{
+    return nameOf(frame).split(mark).first();
+}
+
+bool isWildcard(const RegisterRecord &frame)
+{
+    return frame.name == FrameNames::wildcard;
+}
+
+PluginMetaData makeMessage(const QString &src, const QString &dst, qint32 type, const MessageData &data = {})
+{
+    PluginMetaData message;
+    message.src = src;
+    message.dst = dst;
+    message.type = type;
+    message.data = data;
+    return message;
+}
+
+/// A message to the graphic editor, which finds its own name as the sender.
+PluginMetaData makeEditorMessage(qint32 type, const MessageData &data = {})
+{
+    const QString editor = QString::fromLatin1(FrameFactories::graphicEditor.library);
+    return makeMessage(editor, editor, type, data);
+}
+
+/// The sender or receiver of a message as the log names it.
+std::string withoutSuffix(QString library)
+{
+    return library.remove(QLatin1String(".dll")).toStdString();
+}
+
+/// Runs `operation`. Shows and logs `text` when it throws a pointer to QException, and leaves the exception
+/// alone: who threw it owns it. Some operations have the text of another one: people search for it as it is.
+template <typename Operation>
+void showFailure(const char *text, Operation operation)
+{
+    try {
+        operation();
+    } catch (QException *) {
+        QMessageBox::information(nullptr, QStringLiteral("Info"), QString::fromLatin1(text), 0, 0, 0);
+        LOG(ERROR) << text;
+    }
+}
+
+/// Tells by its name whether a graphic frame of the job `job` is to be updated. Reading `data` adds to it the
+/// keys that it lacks, which receivers find in their copy.
+std::function<bool(const QString &)> graphicFramesToUpdate(const QString &job, MessageData &data)
+{
+    const QString prefix = job + separator();
+    const QVariant step = data[DataKey::changeStepName()];
+    if (step.isValid())
+        return [name = prefix + step.toString()](const QString &frame) { return frame == name; };
+    // The second key is read, and so added, only where the first is there.
+    if (data[DataKey::oldJobName()].isValid() && data[DataKey::newJobName()].isValid())
+        return [prefix](const QString &frame) { return frame != prefix && frame.contains(prefix); };
+    return [prefix](const QString &frame) { return frame.contains(prefix); };
+}
 
 QString configFile(const QString &fileName)
 {
@@ -270,6 +400,311 @@ QObject *QTpluginsManger4CAM::Ov_Register_Common(std::string library, QWidget *p
         registerElement(QString::fromStdString(library), ElementFactories::Common.symbol, parent, nullptr));
 }
 
+QWidget *QTpluginsManger4CAM::Ov_RegisterGraphicFramework(QWidget *parent, const std::string &name,
+                                                          bool isCamAssistant)
+{
+    return registerGraphicFrame(parent, name, [&](void *frame, const QString &job, const QString &step) {
+        const QString assistant = isCamAssistant ? QStringLiteral("true") : QStringLiteral("false");
+        deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame,
+                  makeEditorMessage(MessageType::frameOpened, {{DataKey::jobName(), job},
+                                                               {DataKey::step(), step},
+                                                               {DataKey::isCamAssistant(), assistant}}));
+    });
+}
+
+QWidget *QTpluginsManger4CAM::Ov_RegisterDFMGraphicFramework(QWidget *parent, const std::string &name, bool)
+{
+    return registerGraphicFrame(parent, name, [&](void *frame, const QString &, const QString &) {
+        if (deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame,
+                      makeEditorMessage(MessageType::dfmFrameOpened)))
+            LOG(INFO) << "ok";
+    });
+}
+
+QWidget *QTpluginsManger4CAM::Ov_RegisterGraphicFramework4Quorel(QWidget *parent, const std::string &job,
+                                                                 const std::string &step)
+{
+    const std::string name = job + FrameNames::separator + step;
+    const MessageData data{{DataKey::jobName(), QString::fromStdString(job)},
+                           {DataKey::step(), QString::fromStdString(step)}};
+    return registerStepFrame(parent, job, step, registry().findFrame(RecordKind::graphic, name), name, {},
+                             makeEditorMessage(MessageType::frameOpened, data));
+}
+
+QWidget *QTpluginsManger4CAM::Ov_RegisterDFMGraphicFramework4Quorel(QWidget *parent, const std::string &job,
+                                                                    const std::string &step)
+{
+    const std::string key = job + FrameNames::separator + step;
+    return registerStepFrame(parent, job, step, registry().findGraphicFrameByKey(key), FrameNames::wildcard,
+                             key, makeEditorMessage(MessageType::dfmFrameOpened));
+}
+
+QWidget *QTpluginsManger4CAM::Ov_RegisterMatrixFramework(QWidget *parent, const std::string &job)
+{
+    return registerJobFrame(FrameFactories::matrix, parent, registry().findFrame(RecordKind::matrix, job),
+                            {RecordKind::matrix, job, nullptr, getRoot()}, job, MessageType::frameOpened);
+}
+
+QWidget *QTpluginsManger4CAM::Ov_RegisterGuideFramework(QWidget *parent, const std::string &job)
+{
+    return registerJobFrame(FrameFactories::camGuide, parent, registry().findFrame(RecordKind::guide, job),
+                            {RecordKind::guide, job, nullptr, getRoot()}, job, MessageType::guideOpened);
+}
+
+QWidget *QTpluginsManger4CAM::Ov_Register_CamGuide(std::string name, QWidget *parent, const std::string &job)
+{
+    return registerJobFrame(FrameFactories::camGuide, parent, registry().findRecord(name, parent),
+                            {RecordKind::plugin, name, nullptr, parent}, job, MessageType::guideOpened);
+}
+
+void QTpluginsManger4CAM::Ov_UnRegisterGraphicFramework4Quorel(const std::string &job,
+                                                               const std::string &step)
+{
+    const std::string name = job + FrameNames::separator + step;
+    const RegisterRecord frame = registry().findFrame(RecordKind::graphic, name);
+    if (frame.isEmpty())
+        return;
+    registry().eraseGraphicFramesByName(name);
+    closeUnregisteredFrame(frame.object);
+}
+
+void QTpluginsManger4CAM::Ov_UnRegisterDFMGraphicFramework4Quorel(const std::string &job,
+                                                                  const std::string &step)
+{
+    const std::string key = job + FrameNames::separator + step;
+    const RegisterRecord frame = registry().findGraphicFrameByKey(key);
+    if (frame.isEmpty())
+        return;
+    registry().eraseGraphicFramesByKey(key);
+    closeUnregisteredFrame(frame.object);
+}
+
+void QTpluginsManger4CAM::recMegToPlugin(void *frame, PluginMetaData meta)
+{
+    if (meta.type == MessageType::invalid) {
+        LOG(ERROR) << "recMegToPlugin metadate type is " << meta.type;
+        return;
+    }
+    if (registry().findRecordByObject(frame).isEmpty()) {
+        LOG(ERROR) << "recMegToPlugin metadate frame is " << frame << " src: " << meta.src.toStdString()
+                   << " dst:" << meta.dst.toStdString() << "type:" << meta.type;
+        return;
+    }
+    const RegisterRecord element = registry().findRecord(meta.dst.toStdString(), frame);
+    if (element.isEmpty() || !deliverTo(meta.dst, element.object, meta))
+        return;
+    if (meta.type != MessageType::quiet)
+        LOG(INFO) << withoutSuffix(meta.src) << " send to " << withoutSuffix(meta.dst) << " " << meta.type;
+}
+
+void QTpluginsManger4CAM::pluginTransmitData(PluginMetaData meta)
+{
+    showFailure("pluginTransmitData Error.", [&] {
+        void *const root = getRoot();
+        const QString dstType = meta.data[DataKey::dstType()].toString();
+        if (dstType == QLatin1String(RecordKind::graphic)) {
+            const QString job = meta.data[DataKey::jobName()].toString();
+            const QString step = meta.data[DataKey::step()].toString();
+            deliverIntoFrame(registry().findRecord((job + separator() + step).toStdString(), root), meta);
+        } else if (dstType == QLatin1String(RecordKind::engineerRoot)) {
+            deliverToChildrenNamed(root, meta);
+        } else if (dstType == QLatin1String(RecordKind::matrix)) {
+            const QString job = meta.data[DataKey::jobName()].toString();
+            deliverIntoFrame(registry().findRecord(job.toStdString(), root), meta);
+        } else if (dstType == QLatin1String(RecordKind::guide)) {
+            const QString job = meta.data[DataKey::jobName()].toString();
+            const RegisterRecord frame =
+                registry().findFrame(RecordKind::guide, guideNameOf(job).toStdString());
+            if (!frame.isEmpty())
+                deliverTo(meta.dst, frame.object, meta);
+        }
+    });
+}
+
+void QTpluginsManger4CAM::transmitDataToFramework(void *frame, const PluginMetaData &meta)
+{
+    showFailure("transmitDataToFramework Error.", [&] {
+        for (const FrameFactory &editor :
+             {FrameFactories::matrix, FrameFactories::graphicEditor, FrameFactories::camGuide}) {
+            if (meta.dst == QLatin1String(editor.library)) {
+                deliverTo(meta.dst, frame, meta);
+                return;
+            }
+        }
+    });
+}
+
+void QTpluginsManger4CAM::sendKeyBoardStatusToGraphic(void *frame, const PluginMetaData &meta)
+{
+    if (!registry().findRecordByObject(frame).isEmpty())
+        deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame, meta);
+}
+
+void QTpluginsManger4CAM::Eda_CAM_TransmitData(const QString &jobName, PluginMetaData meta)
+{
+    const QString dstType = meta.data[DataKey::dstType()].toString();
+    Eda_setTransmitData(dstType, jobName, meta);
+}
+
+void QTpluginsManger4CAM::Eda_setTransmitData(const QString &dstType, const QString &jobName,
+                                              PluginMetaData meta)
+{
+    showFailure("updateMatrix Error.", [&] {
+        std::vector<RegisterRecord> frames;
+        if (dstType == QLatin1String(RecordKind::graphic))
+            frames = registry().collectFrames(RecordKind::graphic);
+        if (frames.empty())
+            deliverToChildrenNamed(getRoot(), meta);
+        for (const RegisterRecord &frame : frames) {
+            if (jobOf(frame, separator()) == jobName)
+                deliverTo(meta.dst, frame.object, meta);
+        }
+    });
+}
+
+void QTpluginsManger4CAM::Ov_SetCurrentText(const QString &text, PluginMetaData meta)
+{
+    const QString dstType = meta.data[DataKey::dstType()].toString();
+    setInterfaceTexts(dstType, text, meta);
+}
+
+void QTpluginsManger4CAM::setInterfaceTexts(const QString &dstType, const QString &text, PluginMetaData meta)
+{
+    showFailure("updateMatrix Error.", [&] {
+        std::vector<RegisterRecord> frames;
+        for (const char *kind : {RecordKind::graphic, RecordKind::matrix, RecordKind::guide}) {
+            if (dstType == QLatin1String(kind))
+                frames = registry().collectFrames(kind);
+        }
+        if (frames.empty())
+            deliverToChildrenNamed(getRoot(), meta);
+        for (const RegisterRecord &frame : frames) {
+            if (jobOf(frame, separator()) == text || isWildcard(frame))
+                deliverTo(meta.dst, frame.object, meta);
+        }
+    });
+}
+
+void QTpluginsManger4CAM::setEngineerText(const QString &, PluginMetaData) {}
+
+void QTpluginsManger4CAM::setGraphicText(const QString &, PluginMetaData) {}
+
+void QTpluginsManger4CAM::setMatrixText(const QString &, PluginMetaData) {}
+
+void QTpluginsManger4CAM::ChangeCompareJobInfo(PluginMetaData meta)
+{
+    showFailure("updateGraphic Error.", [&] {
+        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic))
+            deliverToChildrenContaining(frame.object, meta);
+    });
+}
+
+void QTpluginsManger4CAM::OV_ChangeJobNameAndUpdateJob(const QString &oldJobName, const QString &newJobName)
+{
+    const std::string oldName = oldJobName.toStdString();
+    const std::string newName = newJobName.toStdString();
+    registry().renameFrames(RecordKind::matrix, oldName, newName);
+    registry().renameFrames(RecordKind::guide, oldName, newName);
+
+    const MessageData newNameOnly{{DataKey::newJobName(), newJobName}};
+    const MessageData bothNames{{DataKey::oldJobName(), oldJobName}, {DataKey::newJobName(), newJobName}};
+
+    const RegisterRecord matrix = registry().findRecord(newName, getRoot());
+    if (!matrix.isEmpty()) {
+        MessageData data = newNameOnly;
+        data[DataKey::dstType()] = QString::fromLatin1(RecordKind::matrix);
+        const QString editor = QString::fromLatin1(FrameFactories::matrix.library);
+        deliverTo(editor, matrix.object, makeMessage({}, editor, MessageType::matrixRenamed, data));
+    }
+    updateMatrix(newJobName,
+                 makeMessage({}, QStringLiteral("Matrix.dll"), MessageType::matrixRenamed, newNameOnly));
+    updateGraphic(newJobName,
+                  makeMessage({}, QStringLiteral("Graphic_JobList.dll"), MessageType::jobRenamed, bothNames));
+    updateGuide(newJobName, makeMessage({}, QString::fromLatin1(FrameFactories::camGuide.library),
+                                        MessageType::jobRenamed, bothNames));
+}
+
+void QTpluginsManger4CAM::Ov_ChangeStepName(const QString &jobName, const QString &oldStepName,
+                                            const QString &newStepName)
+{
+    const QString newName = jobName + separator() + newStepName;
+    const QString oldName = jobName + separator() + oldStepName;
+    registry().renameFrames(RecordKind::graphic, oldName.toStdString(), newName.toStdString());
+}
+
+void QTpluginsManger4CAM::Ov_DeleteTreeNode(const QString &nodeType, const QString &name)
+{
+    if (nodeType == QLatin1String(RecordKind::matrix)) {
+        const std::vector<RegisterRecord> matrixFrames = registry().collectFrames(RecordKind::matrix);
+        const std::vector<RegisterRecord> graphicFrames = registry().collectFrames(RecordKind::graphic);
+        const std::vector<RegisterRecord> guideFrames = registry().collectFrames(RecordKind::guide);
+        for (const RegisterRecord &frame : matrixFrames) {
+            if (nameOf(frame) == name)
+                deleteFrame(frame.object, FrameFactories::matrix);
+        }
+        for (const RegisterRecord &frame : graphicFrames) {
+            if (jobOf(frame, separator()) == name)
+                deleteFrame(frame.object, FrameFactories::graphicEditor);
+        }
+        for (const RegisterRecord &frame : guideFrames) {
+            if (jobOf(frame, QStringLiteral("|")) == name)
+                deleteFrame(frame.object, FrameFactories::camGuide);
+        }
+    } else if (nodeType == QLatin1String(RecordKind::graphic)) {
+        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic)) {
+            if (nameOf(frame) == name)
+                deleteFrame(frame.object, FrameFactories::graphicEditor);
+        }
+    }
+}
+
+void QTpluginsManger4CAM::Ov_UpdateJob(const QString &name, PluginMetaData meta)
+{
+    const QString dstType = meta.data[DataKey::dstType()].toString();
+    if (dstType == QLatin1String(RecordKind::graphic))
+        updateGraphic(name, meta);
+    else if (dstType == QLatin1String(RecordKind::engineerRoot))
+        updateEngieer(name, meta);
+    else if (dstType == QLatin1String(RecordKind::matrix))
+        updateMatrix(name, meta);
+}
+
+void QTpluginsManger4CAM::updateEngieer(const QString &, PluginMetaData meta)
+{
+    showFailure("updateEngieer Error.", [&] { deliverToChildrenNamed(getRoot(), meta); });
+}
+
+void QTpluginsManger4CAM::updateGraphic(const QString &name, PluginMetaData meta)
+{
+    showFailure("updateGraphic Error.", [&] {
+        const auto matches = graphicFramesToUpdate(name, meta.data);
+        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic)) {
+            if (isWildcard(frame) || matches(nameOf(frame)))
+                deliverToChildrenContaining(frame.object, meta);
+        }
+    });
+}
+
+void QTpluginsManger4CAM::updateGuide(const QString &name, PluginMetaData meta)
+{
+    showFailure("updateMatrix Error.", [&] {
+        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::guide)) {
+            if (nameOf(frame) == guideNameOf(name))
+                deliverTo(meta.dst, frame.object, meta);
+        }
+    });
+}
+
+void QTpluginsManger4CAM::updateMatrix(const QString &name, PluginMetaData meta)
+{
+    showFailure("updateMatrix Error.", [&] {
+        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::matrix)) {
+            if (nameOf(frame) == name)
+                deliverToChildrenContaining(frame.object, meta);
+        }
+    });
+}
+
 QTpluginsManger4CAM::QTpluginsManger4CAM() = default;
 
 QTpluginsManger4CAM::~QTpluginsManger4CAM() = default;
@@ -321,4 +756,111 @@ void *QTpluginsManger4CAM::registerElement(const QString &library, const char *s
                                : functionAs<void *(QWidget *)>(factory)(parent);
     registry().appendRecord({RecordKind::plugin, name, element, parent});
     return element;
+}
+
+QFunctionPointer QTpluginsManger4CAM::resolveFactory(const FrameFactory &factory) const
+{
+    QLibrary *const library = plugin(QString::fromLatin1(factory.library));
+    return library ? library->resolve(factory.symbol) : nullptr;
+}
+
+QWidget *QTpluginsManger4CAM::registerGraphicFrame(QWidget *parent, const std::string &name,
+                                                   const TellStep &tell)
+{
+    const QFunctionPointer factory = resolveFactory(FrameFactories::graphicEditor);
+    if (!factory)
+        return nullptr;
+    const RegisterRecord known = registry().findFrame(RecordKind::graphic, name);
+    if (!known.isEmpty())
+        return static_cast<QWidget *>(known.object);
+    const QStringList parts = QString::fromStdString(name).split(separator());
+    if (parts.size() != 2)
+        return nullptr;
+
+    void *const frame = functionAs<StepFrameFactory>(factory)(parent, parts.at(0), parts.at(1));
+    registry().appendRecord({RecordKind::graphic, name, frame, getRoot()});
+    tell(frame, parts.at(0), parts.at(1));
+    return static_cast<QWidget *>(frame);
+}
+
+QWidget *QTpluginsManger4CAM::registerStepFrame(QWidget *parent, const std::string &job,
+                                                const std::string &step, const RegisterRecord &known,
+                                                const std::string &name, const std::string &key,
+                                                const PluginMetaData &message)
+{
+    QLibrary *const editor = plugin(QString::fromLatin1(FrameFactories::graphicEditor.library));
+    const QFunctionPointer factory = resolveFactory(FrameFactories::graphicEditor);
+    if (!factory)
+        return nullptr;
+    if (!known.isEmpty())
+        return static_cast<QWidget *>(known.object);
+
+    void *const frame = functionAs<StepFrameFactory>(factory)(parent, QString::fromStdString(job),
+                                                              QString::fromStdString(step));
+    RegisterRecord record(RecordKind::graphic, name, frame, nullptr);
+    record.key = key;
+    registry().appendRecord(record);
+    deliver(editor, frame, message);
+    return static_cast<QWidget *>(frame);
+}
+
+QWidget *QTpluginsManger4CAM::registerJobFrame(const FrameFactory &factory, QWidget *parent,
+                                               const RegisterRecord &known, RegisterRecord record,
+                                               const std::string &job, qint32 messageType)
+{
+    const QFunctionPointer make = resolveFactory(factory);
+    if (!make)
+        return nullptr;
+    if (!known.isEmpty())
+        return static_cast<QWidget *>(known.object);
+
+    record.object = functionAs<void *(QWidget *)>(make)(parent);
+    registry().appendRecord(record);
+    const QString jobName = QString::fromStdString(job);
+    deliverTo(QLatin1String(factory.library), record.object,
+              makeMessage({}, jobName, messageType, {{DataKey::jobName(), jobName}}));
+    return static_cast<QWidget *>(record.object);
+}
+
+void QTpluginsManger4CAM::closeUnregisteredFrame(void *frame)
+{
+    const std::vector<RegisterRecord> before = m_registerList;
+    for (const RegisterRecord &record : before)
+        registry().eraseRecord(record.name, frame);
+    deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame,
+              makeEditorMessage(MessageType::frameClosed));
+}
+
+void QTpluginsManger4CAM::deleteFrame(void *frame, const FrameFactory &editor)
+{
+    registry().removeRecordsOf(frame);
+    transmitDataToFramework(frame,
+                            makeMessage({}, QString::fromLatin1(editor.library), MessageType::frameClosed));
+}
+
+bool QTpluginsManger4CAM::deliverTo(const QString &library, void *target, const PluginMetaData &message) const
+{
+    return deliver(plugin(library), target, message);
+}
+
+void QTpluginsManger4CAM::deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message)
+{
+    if (!frame.isEmpty())
+        deliverToChildrenNamed(frame.object, message);
+}
+
+void QTpluginsManger4CAM::deliverToChildrenNamed(void *parent, const PluginMetaData &message)
+{
+    for (const RegisterRecord &child : registry().collectChildren(parent)) {
+        if (child.type == RecordKind::plugin && nameOf(child) == message.dst)
+            deliverTo(message.dst, child.object, message);
+    }
+}
+
+void QTpluginsManger4CAM::deliverToChildrenContaining(void *parent, const PluginMetaData &message)
+{
+    for (const RegisterRecord &child : registry().collectChildren(parent)) {
+        if (child.type == RecordKind::plugin && nameOf(child).contains(message.dst))
+            deliverTo(message.dst, child.object, message);
+    }
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "PluginMetaData.h"
 #include "pluginMangerBase.h"
 #include "registerRecord.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,15 +22,21 @@ template <typename Element>
 struct ElementFactory;
 template <typename Element>
 struct TextElementFactory;
+struct FrameFactory;
 
 /**
  * The manager of the CAM and DFM workspaces' plug-ins, which are plain libraries.
  *
  * A host calls, in this order: instance(); loadAllPlugins() and/or loadAllDFMPlugins(); insertRoot() with
- * its engineering root; then the registration operations while it builds its windows.
+ * its engineering root; the registration operations while it builds its windows; then the routing, text,
+ * job and update operations for as long as it runs.
  *
- * Everything belongs to the user-interface thread, and plug-ins are called synchronously on it. The
- * library itself throws nothing; what a plug-in throws passes through to the caller unless an operation
+ * Everything belongs to the user-interface thread, and plug-ins are called synchronously on it. They may call
+ * back into the manager: each operation goes by the records that it found when it collected its receivers, so
+ * an element or frame that is unregistered meanwhile may still get that one message. Delete widgets with
+ * QObject::deleteLater(), not from within an entry point.
+ *
+ * The library itself throws nothing; what a plug-in throws passes through to the caller unless an operation
  * says otherwise. The registry owns no element: widgets belong to the host's widget tree, and a host that
  * deletes one must not use it here again.
  */
@@ -136,6 +144,188 @@ public:
     QObject *Ov_Register_Common(std::string library, QWidget *parent);
     /// @}
 
+    /**
+     * @name Frames
+     *
+     * A frame is the main window of one job, or of one step of it, in one of the editors. Registering one
+     * makes it, records it and tells it by a message which job it shows; a frame that is already registered
+     * is returned without either. `parent` is borrowed, may be null, and is handed to the factory.
+     *
+     * The result is null, and nothing is recorded, when the editor's library is not loaded or does not export
+     * its factory. A library without the message entry point gives a frame that is not told anything.
+     */
+    /// @{
+
+    /**
+     * The graphic frame called `name`: the job's name, " | " and the step's name. Its message, of type
+     * 20001638, carries "JobName", "Step" and "IsCamAssistant" ("true" or "false"). The result is null when
+     * `name` does not have exactly two parts.
+     */
+    QWidget *Ov_RegisterGraphicFramework(QWidget *parent, const std::string &name, bool isCamAssistant);
+
+    /// The same for DFM: its message, of type 20004616, carries nothing, and once it is sent, "ok" is logged.
+    /// The last argument is not used.
+    QWidget *Ov_RegisterDFMGraphicFramework(QWidget *parent, const std::string &name, bool isCamAssistant);
+
+    /// The graphic frame of a job's step, for hosts whose frames do not belong to the engineering root. Its
+    /// message, of type 20001638, carries "JobName" and "Step".
+    QWidget *Ov_RegisterGraphicFramework4Quorel(QWidget *parent, const std::string &job,
+                                                const std::string &step);
+
+    /// The same for DFM. The frame has the wildcard name, which texts and updates for every job reach, and is
+    /// told apart from others by job and step. Its message, of type 20004616, carries nothing.
+    QWidget *Ov_RegisterDFMGraphicFramework4Quorel(QWidget *parent, const std::string &job,
+                                                   const std::string &step);
+
+    /// The matrix frame of a job. Its message, of type 20001638, carries "JobName".
+    QWidget *Ov_RegisterMatrixFramework(QWidget *parent, const std::string &job);
+
+    /// The guide frame of a job. Its message, of type 20003913, carries "JobName". Routing, renaming and
+    /// updates find it only when `job` is the job's name followed by "|Guide".
+    QWidget *Ov_RegisterGuideFramework(QWidget *parent, const std::string &job);
+
+    /// A guide as an element, recorded under `name` and `parent` like the elements above; it always comes
+    /// from the guide's library. Its message, of type 20003913, carries "JobName".
+    QWidget *Ov_Register_CamGuide(std::string name, QWidget *parent, const std::string &job);
+
+    /**
+     * Forgets the graphic frame of a job's step, and the elements in it, then tells the frame by a message of
+     * type 20002402. The frame decides itself how to close; it is not deleted here. Does nothing when there
+     * is no such frame.
+     */
+    void Ov_UnRegisterGraphicFramework4Quorel(const std::string &job, const std::string &step);
+
+    /// The same for a DFM frame.
+    void Ov_UnRegisterDFMGraphicFramework4Quorel(const std::string &job, const std::string &step);
+    /// @}
+
+    /**
+     * @name Routing
+     *
+     * Each operation chooses who is to receive a message, and hands each receiver's library a copy of it
+     * together with a pointer to the receiver. A receiver that cannot be found, a library that is not loaded
+     * and one without the entry point are passed over in silence.
+     *
+     * The operations that read "DstType", "JobName" or "Step" from the message add what is missing as an
+     * invalid value to the copy that they deliver; the caller's record stays as it is.
+     *
+     * Where it is said that an operation shows failures, an exception thrown as a pointer to QException ends
+     * it, is shown in a modal message box and logged, and does not reach the caller. It is not deleted: who
+     * threw it owns it. Every other exception reaches the caller.
+     */
+    /// @{
+
+    /**
+     * Delivers a message that was sent from inside `frame` to the element named `meta.dst` in that frame, and
+     * logs who sent what to whom, unless the type is 10000000. A type of -1 and a frame that is not
+     * registered are logged as errors, and nothing is delivered.
+     */
+    void recMegToPlugin(void *frame, PluginMetaData meta);
+
+    /**
+     * Delivers a message by the kind of frame in "DstType": to the elements named `meta.dst` in the frame
+     * "Graphic" of "JobName" and "Step", in the frame "Matrix" of "JobName", or under the "EngineerRoot"; or
+     * to the frame "Guide" of "JobName" itself. Shows failures.
+     */
+    void pluginTransmitData(PluginMetaData meta);
+
+    /// Delivers a message to `frame` when `meta.dst` is one of the three editors' libraries. The registry is
+    /// not asked. Shows failures.
+    void transmitDataToFramework(void *frame, const PluginMetaData &meta);
+
+    /// Delivers a message to the registered frame `frame` of the graphic editor, whatever `meta.dst` says.
+    void sendKeyBoardStatusToGraphic(void *frame, const PluginMetaData &meta);
+
+    /// Calls Eda_setTransmitData() with the message's "DstType".
+    void Eda_CAM_TransmitData(const QString &jobName, PluginMetaData meta);
+
+    /**
+     * Delivers a message to all graphic frames of a job when `dstType` is "Graphic". For any other kind, and
+     * when there is no graphic frame at all, to the elements named `meta.dst` under the engineering root.
+     * Shows failures.
+     */
+    void Eda_setTransmitData(const QString &dstType, const QString &jobName, PluginMetaData meta);
+    /// @}
+
+    /**
+     * @name Interface texts
+     *
+     * Deliver as routing does.
+     */
+    /// @{
+
+    /// Calls setInterfaceTexts() with the message's "DstType".
+    void Ov_SetCurrentText(const QString &text, PluginMetaData meta);
+
+    /**
+     * Delivers a message to the frames of the kind `dstType` ("Graphic", "Matrix" or "Guide") whose job is
+     * `text`, and to graphic frames of the wildcard name. For any other kind, and when there is no frame of
+     * the kind, to the elements named `meta.dst` under the engineering root. Shows failures.
+     */
+    void setInterfaceTexts(const QString &dstType, const QString &text, PluginMetaData meta);
+
+    /// These three do nothing. Kept for hosts that call them.
+    void setEngineerText(const QString &text, PluginMetaData meta);
+    void setGraphicText(const QString &text, PluginMetaData meta);
+    void setMatrixText(const QString &text, PluginMetaData meta);
+    /// @}
+
+    /**
+     * @name Jobs and steps
+     *
+     * Keep the registry in step with the host's job tree and tell the plug-ins concerned, as routing does.
+     */
+    /// @{
+
+    /// Delivers a message to the elements in all graphic frames whose name contains `meta.dst`. Shows
+    /// failures.
+    void ChangeCompareJobInfo(PluginMetaData meta);
+
+    /**
+     * Gives the frames of a job its new name, then tells: the matrix frame and the matrix tables in it by a
+     * message of type 20002401 with "NewJobName"; the job lists in the job's graphic frames and its guide
+     * frames by one of type 20002400 with "OldJobName" and "NewJobName".
+     */
+    void OV_ChangeJobNameAndUpdateJob(const QString &oldJobName, const QString &newJobName);
+
+    /// Gives the graphic frame of a step its new name. Nobody is told.
+    void Ov_ChangeStepName(const QString &jobName, const QString &oldStepName, const QString &newStepName);
+
+    /**
+     * Forgets the frames of a job (`nodeType` "Matrix", `name` the job) or of a step ("Graphic", the job's
+     * name, " | " and the step's name) and the elements in them, and tells each frame by a message of type
+     * 20002402 once it is forgotten. Other kinds of node have no frames.
+     */
+    void Ov_DeleteTreeNode(const QString &nodeType, const QString &name);
+
+    /// Calls the update operation for the message's "DstType": "Graphic", "EngineerRoot" or "Matrix".
+    void Ov_UpdateJob(const QString &name, PluginMetaData meta);
+    /// @}
+
+    /**
+     * @name Frame updates
+     *
+     * Deliver a message to elements inside the frames of one kind, as routing does. All four show failures.
+     */
+    /// @{
+
+    /// To the elements named `meta.dst` under the engineering root. `name` is not used.
+    void updateEngieer(const QString &name, PluginMetaData meta);
+
+    /**
+     * To the elements whose name contains `meta.dst` in the graphic frames of the job `name`, or only in that
+     * of its step "ChangeStepName", and in every frame of the wildcard name. With "OldJobName" and
+     * "NewJobName" a step without a name is left out.
+     */
+    void updateGraphic(const QString &name, PluginMetaData meta);
+
+    /// To the guide frames of the job `name` themselves.
+    void updateGuide(const QString &name, PluginMetaData meta);
+
+    /// To the elements whose name contains `meta.dst` in the matrix frames of the job `name`.
+    void updateMatrix(const QString &name, PluginMetaData meta);
+    /// @}
+
 private:
     QTpluginsManger4CAM();
     ~QTpluginsManger4CAM() override;
@@ -150,6 +340,22 @@ private:
     Element *registerElement(const TextElementFactory<Element> &factory, QWidget *parent,
                              const std::string &text);
     void *registerElement(const QString &library, const char *symbol, QWidget *parent, const QString *text);
+
+    using TellStep = std::function<void(void *frame, const QString &job, const QString &step)>;
+    QFunctionPointer resolveFactory(const FrameFactory &factory) const;
+    QWidget *registerGraphicFrame(QWidget *parent, const std::string &name, const TellStep &tell);
+    QWidget *registerStepFrame(QWidget *parent, const std::string &job, const std::string &step,
+                               const RegisterRecord &known, const std::string &name, const std::string &key,
+                               const PluginMetaData &message);
+    QWidget *registerJobFrame(const FrameFactory &factory, QWidget *parent, const RegisterRecord &known,
+                              RegisterRecord record, const std::string &job, qint32 messageType);
+    void closeUnregisteredFrame(void *frame);
+    void deleteFrame(void *frame, const FrameFactory &editor);
+
+    bool deliverTo(const QString &library, void *target, const PluginMetaData &message) const;
+    void deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message);
+    void deliverToChildrenNamed(void *parent, const PluginMetaData &message);
+    void deliverToChildrenContaining(void *parent, const PluginMetaData &message);
 
     QTPluginsMangerPrivate m_private;
     std::vector<RegisterRecord> m_registerList;

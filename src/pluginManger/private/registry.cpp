@@ -1,5 +1,7 @@
 #include "registry_p.h"
 
+#include "frameFactories_p.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -40,7 +42,7 @@ void renameAllOf(std::vector<RegisterRecord> &records, const std::string &kind, 
 void renameJobOfGraphicFrames(std::vector<RegisterRecord> &records, const std::string &oldJob,
                               const std::string &newJob)
 {
-    const std::string pattern = oldJob + " | ";
+    const std::string pattern = oldJob + FrameNames::separator;
     for (RegisterRecord &record : records) {
         if (record.type == RecordKind::graphic && record.name.find(pattern) != std::string::npos)
             record.name.replace(0, oldJob.size(), newJob);
@@ -140,6 +142,6 @@ void Registry::renameFrames(const std::string &kind, const std::string &oldName,
         renameAllOf(m_records, kind, oldName, newName);
         renameJobOfGraphicFrames(m_records, oldName, newName);
     } else if (kind == RecordKind::guide) {
-        renameAllOf(m_records, kind, oldName + "|Guide", newName + "|Guide");
+        renameAllOf(m_records, kind, oldName + FrameNames::guideSuffix, newName + FrameNames::guideSuffix);
     }
 }
