@@ -5,6 +5,8 @@
 # it uses when it is linked, not when a host loads it.
 #
 # QT_PLUGIN   a plug-in for QPluginLoader, with moc run on its sources; a plain library otherwise.
+#
+# With Clang's sanitizers the last promise does not hold: their functions come from the program.
 function(pluginmanger_add_plugin name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "QT_PLUGIN" "" "SOURCES")
     if(arg_UNPARSED_ARGUMENTS)
@@ -25,16 +27,29 @@ function(pluginmanger_add_plugin name)
         SUFFIX ".dll"
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON)
+    foreach(config IN LISTS CMAKE_CONFIGURATION_TYPES CMAKE_BUILD_TYPE)
+        string(TOUPPER "${config}" config)
+        set_property(TARGET ${name} PROPERTY ${config}_POSTFIX "")
+    endforeach()
     if(arg_QT_PLUGIN)
+        # moc is chosen by Qt's version, which a project knows only in the folders where it looked for Qt.
+        find_package(Qt5 5.15 REQUIRED COMPONENTS Core Widgets)
+        set_property(DIRECTORY PROPERTY Qt5Core_VERSION_MAJOR ${Qt5Core_VERSION_MAJOR})
+        set_property(DIRECTORY PROPERTY Qt5Core_VERSION_MINOR ${Qt5Core_VERSION_MINOR})
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
         target_compile_definitions(${name} PRIVATE QT_PLUGIN)
     endif()
 
     # A library with unique symbols never leaves memory on Linux, however often it is unloaded.
     target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
-    # Clang's sanitizers leave their functions for the program to provide.
-    if(CMAKE_SYSTEM_NAME STREQUAL "Linux"
-       AND NOT (CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CMAKE_CXX_FLAGS MATCHES "-fsanitize="))
-        target_link_options(${name} PRIVATE LINKER:-z,defs)
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        string(TOUPPER "${CMAKE_BUILD_TYPE}" config)
+        get_target_property(options ${name} COMPILE_OPTIONS)
+        get_target_property(linkOptions ${name} LINK_OPTIONS)
+        set(flags ${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${config}} ${CMAKE_MODULE_LINKER_FLAGS}
+            ${options} ${linkOptions})
+        if(NOT (CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND "${flags}" MATCHES "-fsanitize="))
+            target_link_options(${name} PRIVATE LINKER:-z,defs)
+        endif()
     endif()
 endfunction()

@@ -4,12 +4,7 @@ include(CMakePackageConfigHelpers)
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/pluginManger)
 set(headerDir ${CMAKE_INSTALL_INCLUDEDIR}/pluginManger)
 
-set(installedTargets pluginManger interfaces)
-if(TARGET COMMON)
-    list(APPEND installedTargets COMMON)
-endif()
-
-install(TARGETS ${installedTargets}
+install(TARGETS pluginManger pluginManger_interfaces pluginManger_COMMON
     EXPORT pluginMangerTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}

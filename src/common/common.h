@@ -5,10 +5,10 @@
 #include <string>
 
 /// Exports the functions where the library is built and imports them where it is used.
-#ifdef COMMON_LIBRARY
-#    define COMMON_EXPORT Q_DECL_EXPORT
+#ifdef PLUGINMANGER_COMMON_LIBRARY
+#    define PLUGINMANGER_COMMON_EXPORT Q_DECL_EXPORT
 #else
-#    define COMMON_EXPORT Q_DECL_IMPORT
+#    define PLUGINMANGER_COMMON_EXPORT Q_DECL_IMPORT
 #endif
 
 /**
@@ -21,10 +21,10 @@ namespace Common {
 
 /// The host's base directory in UTF-8: PLUGINMANGER_PATH, empty by default. Empty means the current
 /// directory.
-COMMON_EXPORT std::string getPath();
+PLUGINMANGER_COMMON_EXPORT std::string getPath();
 
 /// The name, in UTF-8, of the directory of the plug-in configuration files below the base directory:
 /// PLUGINMANGER_PLUGINCONFIG, "pluginconfig" by default.
-COMMON_EXPORT std::string getPath_pluginconfig();
+PLUGINMANGER_COMMON_EXPORT std::string getPath_pluginconfig();
 
 }

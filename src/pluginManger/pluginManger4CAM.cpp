@@ -25,6 +25,8 @@
 
 #include <exception>
 
+using namespace PluginMangerInternal;
+
 namespace {
 
 /// Makes a frame of the graphic editor for a job and a step of it.
@@ -718,7 +720,7 @@ void QTpluginsManger4CAM::loadListedLibraries(const QTPluginsMangerPrivate &desc
     LOG(INFO) << LogTexts::toGbk(LogTexts::allLoaded());
 }
 
-Registry QTpluginsManger4CAM::registry()
+PluginMangerInternal::Registry QTpluginsManger4CAM::registry()
 {
     return Registry(m_registerList);
 }

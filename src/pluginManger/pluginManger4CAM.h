@@ -17,12 +17,14 @@ class QToolBar;
 class QVBoxLayout;
 class QWidget;
 
+namespace PluginMangerInternal {
 class Registry;
 template <typename Element>
 struct ElementFactory;
 template <typename Element>
 struct TextElementFactory;
 struct FrameFactory;
+}
 
 /**
  * The manager of the CAM and DFM workspaces' plug-ins, which are plain libraries.
@@ -37,8 +39,12 @@ struct FrameFactory;
  * QObject::deleteLater(), not from within an entry point.
  *
  * The library itself throws nothing; what a plug-in throws passes through to the caller unless an operation
- * says otherwise. The registry owns no element: widgets belong to the host's widget tree, and a host that
- * deletes one must not use it here again.
+ * says otherwise.
+ *
+ * The registry owns no element: widgets belong to the host's widget tree. It knows parents and elements by
+ * their addresses and does not notice when one is deleted. So keep the parents of elements for the rest of
+ * the run, or, for frames, unregister or delete them here before their widgets go: a new widget at an old
+ * one's address would be given the old one's elements.
  */
 class PLUGINMANGER_EXPORT QTpluginsManger4CAM : public QTpluginsMangerBase
 {
@@ -54,7 +60,11 @@ public:
      *
      * The file lies in `Common::getPath()` + "/" + `Common::getPath_pluginconfig()`, with the current
      * directory in place of an empty `Common::getPath()`. Its description is kept, for the dependency
-     * checks of this load and all later ones. A second call loads all libraries anew.
+     * checks of this load and all later ones.
+     *
+     * A second call unloads each library and loads it again. Do so only when no element of theirs is left:
+     * the registry goes on returning the elements that it knows, and their code may have gone. For the same
+     * reason what a plug-in hands out must not refer to its own read-only data, as QStringLiteral() does.
      */
     bool loadAllPlugins();
 
@@ -71,7 +81,7 @@ public:
     bool isDFMLoaded() const;
 
     /// Returns the loaded library of exactly this file name, ".dll" included, or null. The manager keeps
-    /// ownership.
+    /// ownership, and deletes it when that library is loaded again.
     QLibrary *plugin(const QString &name) const;
 
     /**
@@ -332,25 +342,26 @@ private:
 
     void loadListedLibraries(const QTPluginsMangerPrivate &description);
 
-    Registry registry();
+    PluginMangerInternal::Registry registry();
 
     template <typename Element>
-    Element *registerElement(const ElementFactory<Element> &factory, QWidget *parent);
+    Element *registerElement(const PluginMangerInternal::ElementFactory<Element> &factory, QWidget *parent);
     template <typename Element>
-    Element *registerElement(const TextElementFactory<Element> &factory, QWidget *parent,
-                             const std::string &text);
+    Element *registerElement(const PluginMangerInternal::TextElementFactory<Element> &factory,
+                             QWidget *parent, const std::string &text);
     void *registerElement(const QString &library, const char *symbol, QWidget *parent, const QString *text);
 
     using TellStep = std::function<void(void *frame, const QString &job, const QString &step)>;
-    QFunctionPointer resolveFactory(const FrameFactory &factory) const;
+    QFunctionPointer resolveFactory(const PluginMangerInternal::FrameFactory &factory) const;
     QWidget *registerGraphicFrame(QWidget *parent, const std::string &name, const TellStep &tell);
     QWidget *registerStepFrame(QWidget *parent, const std::string &job, const std::string &step,
                                const RegisterRecord &known, const std::string &name, const std::string &key,
                                const PluginMetaData &message);
-    QWidget *registerJobFrame(const FrameFactory &factory, QWidget *parent, const RegisterRecord &known,
-                              RegisterRecord record, const std::string &job, qint32 messageType);
+    QWidget *registerJobFrame(const PluginMangerInternal::FrameFactory &factory, QWidget *parent,
+                              const RegisterRecord &known, RegisterRecord record, const std::string &job,
+                              qint32 messageType);
     void closeUnregisteredFrame(void *frame);
-    void deleteFrame(void *frame, const FrameFactory &editor);
+    void deleteFrame(void *frame, const PluginMangerInternal::FrameFactory &editor);
 
     bool deliverTo(const QString &library, void *target, const PluginMetaData &message) const;
     void deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message);

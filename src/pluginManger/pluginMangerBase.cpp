@@ -19,6 +19,7 @@
 #include <optional>
 #include <vector>
 
+namespace LogTexts = PluginMangerInternal::LogTexts;
 using LogTexts::toGbk;
 
 namespace {
@@ -184,11 +185,18 @@ void DependencyWalk::reportCircular(const QVariant &name, const QString &key, st
              << way.join(QStringLiteral(" -> "));
 }
 
+/// Whether a text equals this variant just when it equals the variant's own text.
+bool equalsTextAsText(const QVariant &value)
+{
+    const int type = value.userType();
+    return type == QMetaType::QString || type == QMetaType::Double || type == QMetaType::Bool;
+}
+
 /// Returns the first key of m_names whose value equals `name`.
 std::optional<QString> DependencyWalk::keyOf(const QVariant &name)
 {
     indexNames();
-    if (m_namesAreTexts && name.userType() == QMetaType::QString) {
+    if (m_namesAreTexts && equalsTextAsText(name)) {
         const auto key = m_keysByName.constFind(name.toString());
         return key == m_keysByName.constEnd() ? std::nullopt : std::make_optional(*key);
     }
@@ -330,26 +338,28 @@ void QTpluginsMangerBase::loadLibraryPlugin(QTPluginsMangerPrivate &tables, cons
 {
     if (!passesCheck(tables, path))
         return;
-    unloadListedLibrary(tables, path);
+    const QString ownPath = path; // The caller's may be a key of the table, and go with its entry.
+    unloadListedLibrary(tables, ownPath);
 
-    auto *const library = new QLibrary(path);
+    auto *const library = new QLibrary(ownPath);
     resolveAllAtLoad(*library);
     if (library->load())
-        tables.m_libraries.insert(path, library);
+        tables.m_libraries.insert(ownPath, library);
     else
-        reportFailedLoad(path, library->errorString());
+        reportFailedLoad(ownPath, library->errorString());
 }
 
 void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QString &path)
 {
     if (!passesCheck(tables, path))
         return;
-    unloadListedQtPlugin(tables, path);
+    const QString ownPath = path; // The caller's may be a key of a table, and go with its entry.
+    unloadListedQtPlugin(tables, ownPath);
 
-    auto *const loader = new QPluginLoader(path);
+    auto *const loader = new QPluginLoader(ownPath);
     resolveAllAtLoad(*loader);
     if (!loader->load()) {
-        reportFailedLoad(path, loader->errorString());
+        reportFailedLoad(ownPath, loader->errorString());
         return;
     }
     if (!dynamic_cast<PluginInterface *>(loader->instance())) {
@@ -357,7 +367,7 @@ void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QSt
         delete loader;
         return;
     }
-    tables.m_loaders.insert(path, loader);
+    tables.m_loaders.insert(ownPath, loader);
 }
 
 QLibrary *QTpluginsMangerBase::findLibrary(const QTPluginsMangerPrivate &tables, const QString &path) const

@@ -28,7 +28,8 @@ public:
      * the library file name ("File_Process.dll"), so names that are listed without ".dll" always pass.
      *
      * A dependency that leads back to a plug-in under examination fails. The check ends for every
-     * content of the tables, and its use of the stack does not grow with them.
+     * content of the tables, and its use of the stack does not grow with them. Its time grows with the
+     * number of dependencies, and where some fail with the number of lines that they cause.
      */
     bool check(const QString &filepath) const;
 
@@ -75,10 +76,13 @@ protected:
 
     /**
      * Loads the plain library `path` and lists it in `m_libraries` under exactly that text. A library
-     * that is already listed is unloaded first.
+     * that is already listed is unloaded first, and its loader deleted, even if the new load then fails;
+     * one that does not let itself be unloaded, since it has another owner, only loses its place in the
+     * table.
      *
-     * A name that is no library name, and a failed dependency check, are logged. A failed load is logged
-     * with the loader's reason and shown in a modal message box.
+     * A name that is no library name, and a failed dependency check, are logged and change nothing. A
+     * failed load is logged with the loader's reason and shown in a modal message box; its loader is kept,
+     * unlisted, for the rest of the run.
      */
     void loadLibraryPlugin(QTPluginsMangerPrivate &tables, const QString &path);
 
@@ -86,19 +90,24 @@ protected:
      * Loads the Qt plug-in `path` and lists it in `m_loaders` under exactly that text, as
      * loadLibraryPlugin() does. A plug-in whose root object is not a `PluginInterface` is unloaded again
      * without a word.
+     *
+     * Unloading the listed plug-in first takes its path out of `m_libraries`, not out of `m_loaders`: a
+     * table set that loads both kinds under one path loses sight of the plain library.
      */
     void loadQtPlugin(QTPluginsMangerPrivate &tables, const QString &path);
 
-    /// Returns the library that was loaded as `path`, or null. The tables keep ownership.
+    /// Returns the library that was loaded as `path`, or null. The tables keep ownership, and delete it when
+    /// that path is loaded again or unloaded.
     QLibrary *findLibrary(const QTPluginsMangerPrivate &tables, const QString &path) const;
 
     /// Returns the loader of the Qt plug-in `name`, given without ".dll", or null. The tables keep
-    /// ownership.
+    /// ownership, and delete it when that plug-in is loaded again or unloaded.
     QPluginLoader *findQtPlugin(const QTPluginsMangerPrivate &tables, const QString &name) const;
 
     /// Unloads every listed library. One that cannot be unloaded stays listed.
     void unloadAllLibraries(QTPluginsMangerPrivate &tables);
 
-    /// Unloads every listed Qt plug-in. Each stays listed, with a null pointer once it is unloaded.
+    /// Unloads every listed Qt plug-in. Each stays listed, with a null pointer once it is unloaded; its path
+    /// is taken out of `m_libraries`, as loadQtPlugin() does.
     void unloadAllQtPlugins(QTPluginsMangerPrivate &tables);
 };

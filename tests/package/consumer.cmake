@@ -1,3 +1,7 @@
+# cmake -D mode=installed|embedded ... -P consumer.cmake
+#
+# Builds and runs somebody else's project: against the installed package, which has been moved since it was
+# installed, or with the library's sources as a part of the project.
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
@@ -6,14 +10,21 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE ${scratchDir})
-run(${CMAKE_COMMAND} --install ${buildDir} --prefix ${scratchDir}/installed)
-file(RENAME ${scratchDir}/installed ${scratchDir}/moved)
+if(mode STREQUAL "installed")
+    set(projectDir ${testDir}/consumer)
+    run(${CMAKE_COMMAND} --install ${buildDir} --prefix ${scratchDir}/installed)
+    file(RENAME ${scratchDir}/installed ${scratchDir}/moved)
+    set(where -D CMAKE_PREFIX_PATH=${scratchDir}/moved)
+else()
+    set(projectDir ${testDir}/embedded)
+    set(where -D pluginMangerSource=${sourceDir})
+endif()
 
-run(${CMAKE_COMMAND} -S ${consumerDir} -B ${scratchDir}/build -G ${generator}
-    -D CMAKE_PREFIX_PATH=${scratchDir}/moved
+run(${CMAKE_COMMAND} -S ${projectDir} -B ${scratchDir}/build -G ${generator} ${where}
     -D CMAKE_CXX_COMPILER=${compiler}
     -D CMAKE_CXX_FLAGS=${flags}
     -D CMAKE_BUILD_TYPE=${buildType})
 run(${CMAKE_COMMAND} --build ${scratchDir}/build)
-run(${CMAKE_COMMAND} -E env PLUGINMANGER_PATH=${consumerDir}
+run(${CMAKE_COMMAND} -E chdir ${testDir}/consumer
+    ${CMAKE_COMMAND} -E env PLUGINMANGER_PATH=${testDir}/consumer HOST_DIRECTORY=${testDir}/consumer
     ${scratchDir}/build/host)

@@ -9,6 +9,8 @@ struct Notes
     QList<Recorder::FactoryCall> factoryCalls;
     QList<Recorder::Delivery> deliveries;
     bool factoriesReturnNull = false;
+    void *sharedElement = nullptr;
+    bool messagesAreSpoiled = false;
     std::function<void(const Recorder::Delivery &)> onDelivery;
     std::function<void(const QString &, QWidget *)> onFactory;
 };
@@ -51,6 +53,33 @@ void Recorder::setFactoriesReturnNull(bool returnNull)
 bool Recorder::factoriesReturnNull()
 {
     return notes().factoriesReturnNull;
+}
+
+void Recorder::setSharedElement(void *element)
+{
+    notes().sharedElement = element;
+}
+
+void *Recorder::sharedElement()
+{
+    return notes().sharedElement;
+}
+
+void Recorder::setMessagesAreSpoiled(bool spoiled)
+{
+    notes().messagesAreSpoiled = spoiled;
+}
+
+void Recorder::spoil(PluginMetaData &message)
+{
+    if (!notes().messagesAreSpoiled)
+        return;
+    for (QVariant &value : message.data)
+        value = QStringLiteral("spoiled");
+    message.data.insert(QStringLiteral("Spoiled"), true);
+    message.src = message.dst = QStringLiteral("Spoiled.dll");
+    message.type = -1;
+    message.userData = 0;
 }
 
 void Recorder::setOnDelivery(std::function<void(const Delivery &)> action)

@@ -25,6 +25,8 @@ struct FactoryCall
     QWidget *parent;
     QString text;
     void *element;
+    QString job = {};
+    QString step = {};
 };
 
 struct Delivery
@@ -44,6 +46,14 @@ RECORDER_EXPORT QList<Delivery> takeDeliveries();
 /// While this is set, the fixtures' factories return null.
 RECORDER_EXPORT void setFactoriesReturnNull(bool returnNull);
 RECORDER_EXPORT bool factoriesReturnNull();
+
+/// While one is set, the fixtures' factories return it instead of making one of their own.
+RECORDER_EXPORT void setSharedElement(void *element);
+RECORDER_EXPORT void *sharedElement();
+
+/// While this is set, the fixtures' entry points change every field of the message they were handed.
+RECORDER_EXPORT void setMessagesAreSpoiled(bool spoiled);
+RECORDER_EXPORT void spoil(PluginMetaData &message);
 
 /// What a fixture does in its entry point after the delivery is noted; nothing by default.
 RECORDER_EXPORT void setOnDelivery(std::function<void(const Delivery &)> action);

@@ -4,9 +4,34 @@
 
 #include <cstdio>
 
-int runEachInItsOwnProcess(const QStringList &functions, const char *program)
+namespace {
+
+constexpr int timeLimitInMilliseconds = 60000;
+
+/// Returns "function" or "function:row" for all that a test program can run.
+QStringList functionsAndRows(const QString &program)
 {
-    constexpr int timeLimitInMilliseconds = 60000;
+    QProcess process;
+    process.start(program, {QStringLiteral("-datatags")});
+    if (!process.waitForFinished(timeLimitInMilliseconds) || process.exitCode() != 0)
+        return {};
+
+    QStringList found;
+    const QStringList lines =
+        QString::fromLocal8Bit(process.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
+        const QString function = line.section(' ', 1, 1);
+        const QString row = line.section(' ', 2);
+        found.append(row.isEmpty() ? function : function + ':' + row);
+    }
+    return found;
+}
+
+}
+
+int runEachInItsOwnProcess(const char *program)
+{
+    const QStringList functions = functionsAndRows(QString::fromLocal8Bit(program));
     int failures = 0;
     for (const QString &function : functions) {
         QProcess process;

@@ -17,22 +17,14 @@ int runTest(int argc, char **argv)
     return QTest::qExec(&test, argc, argv);
 }
 
-/// Starts this program once for each of the test functions named, and sums up how they ended.
-int runEachInItsOwnProcess(const QStringList &functions, const char *program);
+/// Starts this program once for each test function, and once for each row of one that has rows. Sums up how
+/// they ended.
+int runEachInItsOwnProcess(const char *program);
 
-/// Runs each test function of an object in a process of its own: for what a process can do only once.
+/// Runs each test function of an object, or each row of one, in a process of its own: for what a process can
+/// do only once.
 template <typename Test>
 int runTestInProcesses(int argc, char **argv)
 {
-    if (argc > 1)
-        return runTest<Test>(argc, argv);
-
-    static const QByteArrayList aroundTests{"initTestCase", "cleanupTestCase", "init", "cleanup"};
-    QStringList functions;
-    const QMetaObject &metaObject = Test::staticMetaObject;
-    for (int index = metaObject.methodOffset(); index < metaObject.methodCount(); ++index) {
-        if (!aroundTests.contains(metaObject.method(index).name()))
-            functions.append(QString::fromLatin1(metaObject.method(index).name()));
-    }
-    return runEachInItsOwnProcess(functions, argv[0]);
+    return argc > 1 ? runTest<Test>(argc, argv) : runEachInItsOwnProcess(argv[0]);
 }

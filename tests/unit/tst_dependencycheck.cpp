@@ -2,14 +2,12 @@
 #include "pluginMangerBase.h"
 #include "testmain.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtCore/QThread>
 
 #include <memory>
 
 namespace {
-
-constexpr char function[] = "bool QTPluginsMangerPrivate::check(const QString&) const";
-constexpr char clangFunction[] = "bool QTPluginsMangerPrivate::check(const QString &) const";
 
 QVariantMap needs(const QVariant &name, const QVariant &version = QStringLiteral("1"))
 {
@@ -81,7 +79,9 @@ private slots:
     void entryThatIsNoMapIsMissing();
     void invalidNameIsPresentWhereTheTableHoldsAnInvalidValue();
     void nameIsFoundByItsValueNotByItsKey();
+    void nameThatIsNoTextIsFoundByVariantEquality_data();
     void nameThatIsNoTextIsFoundByVariantEquality();
+    void firstOfSeveralKeysOfANameIsUsed();
     void selfDependencyIsCircular();
     void mutualDependencyIsCircular();
     void cycleBehindThePluginIsFoundToo();
@@ -123,15 +123,16 @@ bool tst_DependencyCheck::check(const QString &key)
     return m_tables.check(key);
 }
 
-/// The debug lines after the function that each begins with.
+/// The debug lines after the function's signature that each begins with.
 QStringList tst_DependencyCheck::lines()
 {
+    // Compilers spell it differently.
+    static const QRegularExpression signature(
+        QStringLiteral(R"(^[\w ]*\bQTPluginsMangerPrivate::check\(.*?\)( const)? )"));
     QStringList texts;
     for (const QString &line : m_debug->take()) {
-        const QString prefix =
-            line.startsWith(QLatin1String(function)) ? QLatin1String(function) : QLatin1String(clangFunction);
-        texts +=
-            line.startsWith(prefix + ' ') ? line.mid(prefix.size() + 1) : "without its function: " + line;
+        const auto match = signature.match(line);
+        texts += match.hasMatch() ? line.mid(match.capturedEnd()) : "without its function: " + line;
     }
     return texts;
 }
@@ -228,6 +229,9 @@ void tst_DependencyCheck::versionsAreComparedAsVariants_data()
     QTest::addColumn<bool>("passes");
     QTest::newRow("number and its text") << QVariant(2.0) << QVariant("2") << true;
     QTest::newRow("text and its number") << QVariant("2") << QVariant(2.0) << true;
+    QTest::newRow("number and a longer text") << QVariant(2.0) << QVariant("2.0") << true;
+    QTest::newRow("longer text and its number") << QVariant("2.0") << QVariant(2.0) << false;
+    QTest::newRow("integer and a longer text") << QVariant(2LL) << QVariant("2.0") << false;
     QTest::newRow("equal text to a text only") << QVariant("2.0") << QVariant("2") << false;
     QTest::newRow("both absent") << QVariant() << QVariant() << true;
     QTest::newRow("found absent") << QVariant() << QVariant("1") << false;
@@ -274,14 +278,44 @@ void tst_DependencyCheck::nameIsFoundByItsValueNotByItsKey()
              QStringList(R"(Version mismatch: "Value" version "3" but "1" required for plugin "Key")"));
 }
 
+void tst_DependencyCheck::nameThatIsNoTextIsFoundByVariantEquality_data()
+{
+    QTest::addColumn<QVariant>("name");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("whole number") << QVariant(5.0) << "5";
+    QTest::newRow("fraction") << QVariant(0.1) << "0.1";
+    QTest::newRow("large number") << QVariant(1e20) << "1e+20";
+    QTest::newRow("integer") << QVariant(5LL) << "5";
+    QTest::newRow("truth") << QVariant(true) << "true";
+    QTest::newRow("date") << QVariant(QDate(2020, 2, 29)) << "2020-02-29";
+}
+
 void tst_DependencyCheck::nameThatIsNoTextIsFoundByVariantEquality()
 {
-    describe(m_tables, "A", {needs(5.0)});
-    describe(m_tables, "5", {needs("Absent")});
+    QFETCH(QVariant, name);
+    QFETCH(QString, text);
+    QVERIFY(QVariant(text) == name);
+    describe(m_tables, "A", {needs(name)});
+    describe(m_tables, text, {needs("Absent")});
 
     QVERIFY(!check("A"));
     QCOMPARE(lines(), (QStringList{R"( Missing dependency: "Absent" for plugin "")",
-                                   R"(Corrupted dependency: "5" for plugin "5")"}));
+                                   QString(R"(Corrupted dependency: "%1" for plugin "%1")").arg(text)}));
+}
+
+void tst_DependencyCheck::firstOfSeveralKeysOfANameIsUsed()
+{
+    describe(m_tables, "A", {needs("Name")});
+    for (int number = 0; number < 20; ++number) {
+        m_tables.m_names[plugin(number)] = QStringLiteral("Name");
+        m_tables.m_versions[plugin(number)] = number + 100;
+    }
+    const QString first = m_tables.m_names.key(QStringLiteral("Name"));
+
+    QVERIFY(!check("A"));
+    QCOMPARE(lines(),
+             QStringList(QString(R"(Version mismatch: "Name" version "%1" but "1" required for plugin "%2")")
+                             .arg(m_tables.m_versions.value(first).toString(), first)));
 }
 
 void tst_DependencyCheck::selfDependencyIsCircular()

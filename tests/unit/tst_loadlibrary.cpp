@@ -1,4 +1,5 @@
 #include "gbktexts.h"
+#include "keptloaders.h"
 #include "messageboxes.h"
 #include "openbase.h"
 #include "testfiles.h"
@@ -46,7 +47,9 @@ private slots:
     void nameWithoutLibrarySuffixIsRefused_data();
     void nameWithoutLibrarySuffixIsRefused();
     void platformSuffixIsALibraryName();
+    void nameIsLookedAtBeforeTheDependencies();
     void failedDependencyCheckIsLoggedOnly();
+    void failedDependencyCheckLeavesWhatIsLoaded();
     void failedLoadIsLoggedAndShown_data();
     void failedLoadIsLoggedAndShown();
     void failedLoadLeavesTheOthers();
@@ -54,7 +57,9 @@ private slots:
     void libraryThatAppearsLaterIsLoaded();
     void undefinedFunctionFailsAtLoadWithItsReason();
     void libraryWithoutEntryPointLoads();
+    void failedLoadIsLoggedBeforeItIsShown();
     void managerIsUsableWhileTheBoxIsOpen();
+    void pathMayBeAKeyOfTheTable();
     void unloadAllEmptiesTheTable();
     void unloadAllKeepsWhatCannotBeUnloaded();
     void unloadAllSkipsNullEntries();
@@ -175,6 +180,9 @@ void tst_LoadLibrary::nameWithoutLibrarySuffixIsRefused_data()
     QTest::newRow("suffix in the middle") << "Graphic_View.dll.txt";
     QTest::newRow("suffix without its dot") << "Graphic_Viewdll";
     QTest::newRow("empty") << "";
+#ifndef Q_OS_WIN
+    QTest::newRow("suffix in capitals") << "Graphic_View.DLL";
+#endif
 }
 
 void tst_LoadLibrary::nameWithoutLibrarySuffixIsRefused()
@@ -208,6 +216,26 @@ void tst_LoadLibrary::failedDependencyCheckIsLoggedOnly()
              (QList<Line>{{'E', "pluginMangerBase", Gbk::dependenciesFailed + healthy.toUtf8()}}));
 }
 
+void tst_LoadLibrary::nameIsLookedAtBeforeTheDependencies()
+{
+    m_tables.m_dependencies["notes.txt"] = {QVariantMap{{"name", "Absent"}, {"version", "1"}}};
+    load("notes.txt");
+    QCOMPARE(LogLines::take(),
+             (QList<Line>{{'E', "pluginMangerBase", QByteArray(Gbk::notALibrary) + "notes.txt"}}));
+}
+
+void tst_LoadLibrary::failedDependencyCheckLeavesWhatIsLoaded()
+{
+    load(healthy);
+    const QPointer<QLibrary> loaded = m_base.findLibrary(m_tables, healthy);
+    m_tables.m_dependencies[healthy] = {QVariantMap{{"name", "Absent"}, {"version", "1"}}};
+    load(healthy);
+
+    QVERIFY(!loaded.isNull());
+    QCOMPARE(m_base.findLibrary(m_tables, healthy), loaded.data());
+    QVERIFY(loaded->isLoaded());
+}
+
 void tst_LoadLibrary::failedLoadIsLoggedAndShown_data()
 {
     QTest::addColumn<QString>("path");
@@ -226,6 +254,7 @@ void tst_LoadLibrary::failedLoadIsLoggedAndShown_data()
 
 void tst_LoadLibrary::failedLoadIsLoggedAndShown()
 {
+    const KeptLoaders keptLoaders;
     QFETCH(QString, path);
     const QString reason = reasonAgainst(path);
     QVERIFY(!reason.isEmpty());
@@ -248,6 +277,7 @@ void tst_LoadLibrary::failedLoadIsLoggedAndShown()
 
 void tst_LoadLibrary::failedLoadLeavesTheOthers()
 {
+    const KeptLoaders keptLoaders;
     load(healthy);
     QLibrary *const library = m_base.findLibrary(m_tables, healthy);
     load(makeFile("text_file.dll", "This is no library.\n"));
@@ -259,6 +289,7 @@ void tst_LoadLibrary::failedLoadLeavesTheOthers()
 
 void tst_LoadLibrary::failedReloadLeavesNoEntry()
 {
+    const KeptLoaders keptLoaders;
     const QString path = m_directory.filePath("Vanishing.dll");
     TestFiles::replace(path, healthy);
     load(path);
@@ -271,6 +302,7 @@ void tst_LoadLibrary::failedReloadLeavesNoEntry()
 
 void tst_LoadLibrary::libraryThatAppearsLaterIsLoaded()
 {
+    const KeptLoaders keptLoaders;
     const QString path = m_directory.filePath("Appearing.dll");
     load(path);
     QCOMPARE(m_boxes.take().size(), 1);
@@ -282,6 +314,7 @@ void tst_LoadLibrary::libraryThatAppearsLaterIsLoaded()
 
 void tst_LoadLibrary::undefinedFunctionFailsAtLoadWithItsReason()
 {
+    const KeptLoaders keptLoaders;
 #ifdef Q_OS_WIN
     QSKIP("Windows does not link a library that calls a function nobody has.");
 #endif
@@ -304,8 +337,27 @@ void tst_LoadLibrary::libraryWithoutEntryPointLoads()
     QCOMPARE(LogLines::take(), QList<Line>());
 }
 
+void tst_LoadLibrary::failedLoadIsLoggedBeforeItIsShown()
+{
+    const KeptLoaders keptLoaders;
+    int linesWhileOpen = 0;
+    m_boxes.whileNextIsOpen([&] { linesWhileOpen = LogLines::take().size(); });
+    load("Absent.dll");
+    QCOMPARE(m_boxes.take().size(), 1);
+    QCOMPARE(linesWhileOpen, 1);
+}
+
+void tst_LoadLibrary::pathMayBeAKeyOfTheTable()
+{
+    load(healthy);
+    load(m_tables.m_libraries.constBegin().key());
+    QCOMPARE(m_tables.m_libraries.keys(), QStringList(healthy));
+    QVERIFY(m_base.findLibrary(m_tables, healthy)->isLoaded());
+}
+
 void tst_LoadLibrary::managerIsUsableWhileTheBoxIsOpen()
 {
+    const KeptLoaders keptLoaders;
     m_boxes.whileNextIsOpen([this] { load(healthy); });
     load("Absent.dll");
 

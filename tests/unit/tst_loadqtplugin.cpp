@@ -1,6 +1,7 @@
 #include "PluginInterface.h"
 #include "debuglines.h"
 #include "gbktexts.h"
+#include "keptloaders.h"
 #include "messageboxes.h"
 #include "openbase.h"
 #include "recorder.h"
@@ -46,6 +47,7 @@ private slots:
     void failedReloadLeavesTheEntryWithoutLoader();
     void nameWithoutLibrarySuffixIsRefused();
     void failedDependencyCheckIsLoggedOnly();
+    void failedDependencyCheckLeavesWhatIsLoaded();
     void failedLoadIsLoggedAndShown_data();
     void failedLoadIsLoggedAndShown();
     void rootObjectThatIsNoPluginInterfaceLeavesNoTrace();
@@ -148,6 +150,7 @@ void tst_LoadQtPlugin::loadingAgainTakesThePathOutOfTheLibraries()
 
 void tst_LoadQtPlugin::failedReloadLeavesTheEntryWithoutLoader()
 {
+    const KeptLoaders keptLoaders;
     const QString path = m_directory.filePath("Vanishing.dll");
     TestFiles::replace(path, healthy);
     load(path);
@@ -180,6 +183,19 @@ void tst_LoadQtPlugin::failedDependencyCheckIsLoggedOnly()
              (QList<Line>{{'E', "pluginMangerBase", Gbk::dependenciesFailed + healthy.toUtf8()}}));
 }
 
+void tst_LoadQtPlugin::failedDependencyCheckLeavesWhatIsLoaded()
+{
+    const DebugLines debug;
+    load(healthy);
+    const QPointer<QPluginLoader> loaded = m_tables.m_loaders.value(healthy);
+    m_tables.m_dependencies[healthy] = {QVariantMap{{"name", "Absent"}, {"version", "1"}}};
+    load(healthy);
+
+    QVERIFY(!loaded.isNull());
+    QCOMPARE(m_tables.m_loaders.value(healthy), loaded.data());
+    QVERIFY(loaded->isLoaded());
+}
+
 void tst_LoadQtPlugin::failedLoadIsLoggedAndShown_data()
 {
     QTest::addColumn<QString>("path");
@@ -199,6 +215,7 @@ void tst_LoadQtPlugin::failedLoadIsLoggedAndShown_data()
 
 void tst_LoadQtPlugin::failedLoadIsLoggedAndShown()
 {
+    const KeptLoaders keptLoaders;
     QFETCH(QString, path);
     const QString reason = reasonAgainst(path);
     QVERIFY(!reason.isEmpty());

@@ -1,6 +1,8 @@
 #include "registry_p.h"
 #include "testmain.h"
 
+using namespace PluginMangerInternal;
+
 namespace {
 
 /// Something with an address.

@@ -5,7 +5,7 @@
 
 #include <QtCore/QLibrary>
 
-bool deliver(QLibrary *library, void *target, const PluginMetaData &message)
+bool PluginMangerInternal::deliver(QLibrary *library, void *target, const PluginMetaData &message)
 {
     const QFunctionPointer entryPoint = library ? library->resolve("recMsgFromManager") : nullptr;
     if (!entryPoint)

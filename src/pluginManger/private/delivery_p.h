@@ -3,6 +3,8 @@
 class QLibrary;
 struct PluginMetaData;
 
+namespace PluginMangerInternal {
+
 /**
  * Hands a copy of `message`, with `target`, to the entry point "recMsgFromManager" of `library`.
  *
@@ -11,3 +13,5 @@ struct PluginMetaData;
  * point. What the plug-in throws passes through.
  */
 bool deliver(QLibrary *library, void *target, const PluginMetaData &message);
+
+}

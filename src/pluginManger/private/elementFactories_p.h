@@ -12,6 +12,8 @@ class QToolBar;
 class QVBoxLayout;
 class QWidget;
 
+namespace PluginMangerInternal {
+
 /**
  * The factories of user-interface elements: which library makes which type of element through which
  * function. The managers and the tools that check plug-in sets read these rows, and nothing else.
@@ -137,3 +139,5 @@ inline constexpr std::array elementFactoryNames{
 };
 
 static_assert(elementFactoryNames.size() == 35, "every registration has its row");
+
+}

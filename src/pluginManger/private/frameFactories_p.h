@@ -1,5 +1,7 @@
 #pragma once
 
+namespace PluginMangerInternal {
+
 /**
  * The factories of frames, and the names by which frames are told apart. The managers and the tools that
  * check plug-in sets read them here.
@@ -26,4 +28,6 @@ inline constexpr char separator[] = " | ";
 inline constexpr char guideSuffix[] = "|Guide";
 /// The name of graphic frames that belong to no job; no job can be called this.
 inline constexpr char wildcard[] = "!$*!OV?*? | !*$!DFM?*?";
+}
+
 }

@@ -2,7 +2,7 @@
 
 #include <QtCore/QTextCodec>
 
-std::string LogTexts::toGbk(const QString &text)
+std::string PluginMangerInternal::LogTexts::toGbk(const QString &text)
 {
     // A Qt built without the large codecs knows no GBK: a line in UTF-8 still beats none.
     const QTextCodec *const gbk = QTextCodec::codecForName("GBK");

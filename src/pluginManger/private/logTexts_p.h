@@ -10,7 +10,7 @@
  * A message box shows them as they are. In the log they are GBK bytes, which is what the log viewers of
  * the people who read these lines expect; paths and loader reasons beside them stay UTF-8.
  */
-namespace LogTexts {
+namespace PluginMangerInternal::LogTexts {
 
 inline QString configMissing()
 {

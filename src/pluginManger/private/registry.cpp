@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace PluginMangerInternal {
+
 namespace {
 
 template <typename Matches>
@@ -144,4 +146,6 @@ void Registry::renameFrames(const std::string &kind, const std::string &oldName,
     } else if (kind == RecordKind::guide) {
         renameAllOf(m_records, kind, oldName + FrameNames::guideSuffix, newName + FrameNames::guideSuffix);
     }
+}
+
 }

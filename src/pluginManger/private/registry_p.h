@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace PluginMangerInternal {
+
 /// The kinds of record, as they stand in RegisterRecord::type.
 namespace RecordKind {
 inline constexpr char plugin[] = "Plugin";
@@ -55,3 +57,5 @@ public:
 private:
     std::vector<RegisterRecord> &m_records;
 };
+
+}
