@@ -13,13 +13,20 @@ void Account::heading(const QString &text)
 
 void Account::fact(const QString &what, const QString &value)
 {
-    write(QStringLiteral("  %1 %2").arg(what, -30).arg(value), true);
+    write(QStringLiteral("  %1 %2").arg(what, -36).arg(value), true);
 }
 
 void Account::check(const QString &what, bool good)
 {
-    write(QStringLiteral("  %1 %2").arg(what, -30).arg(good ? QStringLiteral("yes") : QStringLiteral("no")),
+    write(QStringLiteral("  %1 %2").arg(what, -36).arg(good ? QStringLiteral("yes") : QStringLiteral("no")),
           good);
+}
+
+void Account::expect(const QString &what, const QString &found, const QString &expected)
+{
+    fact(what, found);
+    if (found != expected)
+        failure(QStringLiteral("should be: ") + expected);
 }
 
 void Account::failure(const QString &text)

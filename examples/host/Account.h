@@ -9,6 +9,8 @@ public:
     void heading(const QString &text);
     void fact(const QString &what, const QString &value);
     void check(const QString &what, bool good);
+    /// Tells what is there, and that it should be something else when it should.
+    void expect(const QString &what, const QString &found, const QString &expected);
     void failure(const QString &text);
 
     /// Writes a line with columns of these widths.

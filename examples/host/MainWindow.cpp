@@ -1,80 +1,69 @@
 #include "MainWindow.h"
 
-#include <QtWidgets/QAction>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDockWidget>
-#include <QtWidgets/QGroupBox>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QMenuBar>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QStatusBar>
-#include <QtWidgets/QToolBar>
-
-namespace {
-
-QLabel *makeHeading(const QString &text)
-{
-    auto *const heading = new QLabel(text);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
-    return heading;
-}
-
-QGroupBox *makeGroup(const QString &title, QLayout *content)
-{
-    auto *const group = new QGroupBox(title);
-    group->setLayout(content);
-    content->setContentsMargins(4, 4, 4, 4);
-    return group;
-}
-
-}
+#include <QtWidgets/QTabBar>
+#include <QtWidgets/QTabWidget>
 
 MainWindow::MainWindow()
+    : m_places(this)
 {
     setWindowTitle(QStringLiteral("pluginManger example host"));
     resize(1280, 800);
 
-    m_menuBars.insert(Place::CamMenus, menuBar());
     auto *const center = new QSplitter(Qt::Vertical);
-    center->addWidget(makeGraphicPanel());
-    center->addWidget(makeMatrixPanel());
+    center->addWidget(makeTabs(FrameKind::Graphic));
+    center->addWidget(makeTabs(FrameKind::Matrix));
     center->setStretchFactor(0, 1);
-    center->setSizes({420, 280});
+    center->setSizes({460, 260});
     setCentralWidget(center);
 
-    addPartDock();
-    addOverviewDock();
-    addDfmDock();
+    auto *const partPanel = new QWidget;
+    partPanel->setLayout(m_places.makeBox(Place::PartPanel, Qt::Vertical));
+    addDock(Qt::LeftDockWidgetArea, QStringLiteral("Part"), partPanel);
+    addFollowingDock(Qt::LeftDockWidgetArea, QStringLiteral("Guide"), FrameKind::Guide);
+    addFollowingDock(Qt::RightDockWidgetArea, QStringLiteral("DFM"), FrameKind::Dfm);
     addStatusBar();
+
+    connect(m_tabs.value(FrameKind::Graphic), &QTabWidget::currentChanged, this,
+            [this] { emit graphicFrameShown(currentFrame(FrameKind::Graphic)); });
 }
 
-void MainWindow::add(Place place, const QString &library, QObject *element)
+void MainWindow::addFrame(FrameKind kind, QWidget *frame)
 {
-    m_elements.insert(library, element);
-    followActions(library, element);
-
-    auto *const widget = qobject_cast<QWidget *>(element);
-    auto *const layout = qobject_cast<QLayout *>(element);
-    if (QMenuBar *const bar = m_menuBars.value(place))
-        bar->addMenu(qobject_cast<QMenu *>(element));
-    else if (QBoxLayout *const box = m_boxes.value(place))
-        layout ? box->addLayout(layout) : box->addWidget(widget);
-    else if (place == Place::MenuBarEnd)
-        menuBar()->setCornerWidget(widget);
-    else if (place == Place::ToolBars)
-        addToolBar(qobject_cast<QToolBar *>(element));
-    else
-        addDockWidget(place == Place::LeftDocks ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea,
-                      qobject_cast<QDockWidget *>(element));
+    QTabWidget *const tabs = m_tabs.value(kind);
+    tabs->addTab(frame, frame->windowTitle());
+    connect(frame, &QWidget::windowTitleChanged, this, [=](const QString &title) {
+        tabs->setTabText(tabs->indexOf(frame), title);
+        showTitle(kind);
+    });
 }
 
-bool MainWindow::connectElements(const QString &sender, const char *signal, const QString &receiver,
-                                 const char *slot)
+void MainWindow::showFrame(FrameKind kind, QWidget *frame)
 {
-    return connect(m_elements.value(sender), signal, m_elements.value(receiver), slot);
+    m_tabs.value(kind)->setCurrentWidget(frame);
+}
+
+QWidget *MainWindow::currentFrame(FrameKind kind) const
+{
+    return m_tabs.value(kind)->currentWidget();
+}
+
+QStringList MainWindow::tabTexts(FrameKind kind) const
+{
+    const QTabWidget *const tabs = m_tabs.value(kind);
+    QStringList texts;
+    for (int index = 0; index < tabs->count(); ++index)
+        texts.append(tabs->tabText(index));
+    return texts;
+}
+
+void MainWindow::stepThroughFrames(FrameKind kind, int direction)
+{
+    QTabWidget *const tabs = m_tabs.value(kind);
+    tabs->setCurrentIndex((tabs->currentIndex() + direction + tabs->count()) % tabs->count());
 }
 
 void MainWindow::arrangeDocks()
@@ -88,9 +77,8 @@ void MainWindow::arrangeDocks()
     QList<QDockWidget *> docks;
     QList<int> widths;
     QList<int> heights;
-    for (const DockSize &size : {DockSize{"Part", 250, 230}, DockSize{"ListBar_PNList", 250, 180},
-                                 DockSize{"Graphic_JobList", 250, 260}, DockSize{"Overview", 290, 180},
-                                 DockSize{"DFM", 290, 220}, DockSize{"DFM_Graphic_AnalysisTab", 290, 290}}) {
+    for (const DockSize &size : {DockSize{"Part", 240, 200}, DockSize{"Guide", 240, 240},
+                                 DockSize{"ListBar_PNList", 240, 240}, DockSize{"DFM", 270, 680}}) {
         if (auto *const dock = findChild<QDockWidget *>(QLatin1String(size.name))) {
             docks.append(dock);
             widths.append(size.width);
@@ -101,125 +89,47 @@ void MainWindow::arrangeDocks()
     resizeDocks(docks, heights, Qt::Vertical);
 }
 
-QWidget *MainWindow::makeGraphicPanel()
+QTabWidget *MainWindow::makeTabs(FrameKind kind)
 {
-    auto *const head = new QHBoxLayout;
-    head->addWidget(makeHeading(QStringLiteral("Graphic")));
-    head->addWidget(makeMenuBar(Place::GraphicMenus), 1);
-
-    auto *const tools = new QVBoxLayout;
-    tools->addWidget(makeGroup(QStringLiteral("Move"), makeBox(Place::MoveTools, Qt::Vertical)));
-    tools->addWidget(makeGroup(QStringLiteral("Edit"), makeBox(Place::EditTools, Qt::Vertical)));
-    tools->addStretch();
-
-    auto *const middle = new QHBoxLayout;
-    middle->addLayout(makeBox(Place::GraphicCenter, Qt::Vertical), 1);
-    middle->addLayout(tools);
-
-    auto *const panel = new QWidget;
-    auto *const column = new QVBoxLayout(panel);
-    column->setContentsMargins(4, 2, 4, 2);
-    column->addLayout(head);
-    column->addLayout(middle, 1);
-    column->addLayout(makeBox(Place::GraphicBottom, Qt::Horizontal));
-    return panel;
+    auto *const tabs = new QTabWidget;
+    tabs->setDocumentMode(true);
+    m_tabs.insert(kind, tabs);
+    return tabs;
 }
 
-QWidget *MainWindow::makeMatrixPanel()
+/// Shows one frame at a time, whose title then stands in that of the dock, where there is no room for tabs.
+void MainWindow::addFollowingDock(Qt::DockWidgetArea area, const QString &title, FrameKind kind)
 {
-    auto *const head = new QHBoxLayout;
-    head->addWidget(makeHeading(QStringLiteral("Matrix")));
-    head->addWidget(makeMenuBar(Place::MatrixMenus), 0, Qt::AlignVCenter);
-    head->addStretch();
-    head->addLayout(makeBox(Place::MatrixHead, Qt::Horizontal));
-
-    auto *const panel = new QWidget;
-    auto *const column = new QVBoxLayout(panel);
-    column->setContentsMargins(4, 2, 4, 2);
-    column->addLayout(head);
-    column->addLayout(makeBox(Place::MatrixCenter, Qt::Vertical), 1);
-    return panel;
+    QTabWidget *const tabs = makeTabs(kind);
+    tabs->tabBar()->hide();
+    m_docks.insert(kind, addDock(area, title, tabs));
+    connect(tabs, &QTabWidget::currentChanged, this, [=] { showTitle(kind); });
 }
 
-void MainWindow::addPartDock()
+void MainWindow::showTitle(FrameKind kind)
 {
-    auto *const panel = new QWidget;
-    panel->setLayout(makeBox(Place::PartPanel, Qt::Vertical));
-    addDock(Qt::LeftDockWidgetArea, QStringLiteral("Part"), panel);
+    QDockWidget *const dock = m_docks.value(kind);
+    const QWidget *const frame = currentFrame(kind);
+    if (dock && frame)
+        dock->setWindowTitle(dock->objectName() + QStringLiteral(": ") + frame->windowTitle());
 }
 
-void MainWindow::addOverviewDock()
-{
-    auto *const panel = new QWidget;
-    panel->setLayout(makeBox(Place::Overview, Qt::Vertical));
-    addDock(Qt::RightDockWidgetArea, QStringLiteral("Overview"), panel);
-}
-
-void MainWindow::addDfmDock()
-{
-    auto *const panel = new QWidget;
-    auto *const column = new QVBoxLayout(panel);
-    column->setContentsMargins(4, 2, 4, 4);
-    column->addWidget(makeMenuBar(Place::DfmMenus));
-    column->addLayout(makeBox(Place::DfmPanel, Qt::Vertical));
-    addDock(Qt::RightDockWidgetArea, QStringLiteral("DFM"), panel);
-}
-
-void MainWindow::addStatusBar()
-{
-    auto *const start = new QWidget;
-    start->setLayout(makeBox(Place::StatusBar, Qt::Horizontal));
-    statusBar()->addWidget(start, 1);
-
-    auto *const end = new QWidget;
-    end->setLayout(makeBox(Place::StatusBarEnd, Qt::Horizontal));
-    statusBar()->addPermanentWidget(end);
-}
-
-QMenuBar *MainWindow::makeMenuBar(Place place)
-{
-    auto *const bar = new QMenuBar;
-    bar->setNativeMenuBar(false);
-    m_menuBars.insert(place, bar);
-    return bar;
-}
-
-QBoxLayout *MainWindow::makeBox(Place place, Qt::Orientation orientation)
-{
-    auto *const box =
-        new QBoxLayout(orientation == Qt::Horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    box->setContentsMargins(4, 2, 4, 2);
-    m_boxes.insert(place, box);
-    return box;
-}
-
-void MainWindow::addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content)
+QDockWidget *MainWindow::addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content)
 {
     auto *const dock = new QDockWidget(title);
     dock->setObjectName(title);
     dock->setWidget(content);
     addDockWidget(area, dock);
+    return dock;
 }
 
-/// An action of an element carries the name of the command that it stands for.
-void MainWindow::followActions(const QString &library, QObject *element)
+void MainWindow::addStatusBar()
 {
-    const QList<QAction *> actions = element->findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly);
-    for (const QAction *const action : actions) {
-        if (!action->objectName().isEmpty())
-            connect(action, &QAction::triggered, this, [=] { runAction(library, *action); });
-    }
-}
+    auto *const start = new QWidget;
+    start->setLayout(m_places.makeBox(Place::StatusBar, Qt::Horizontal));
+    statusBar()->addWidget(start, 1);
 
-void MainWindow::runAction(const QString &library, const QAction &action)
-{
-    statusBar()->showMessage(library + QStringLiteral(": ") + action.text(), 4000);
-
-    const QByteArray command = action.objectName().toLatin1();
-    QObject *const view = m_elements.value(QStringLiteral("Graphic_View.dll"));
-    if (command == "exit")
-        close();
-    else if (view
-             && view->metaObject()->indexOfSlot(command + "()") >= QWidget::staticMetaObject.methodCount())
-        QMetaObject::invokeMethod(view, command.constData());
+    auto *const end = new QWidget;
+    end->setLayout(m_places.makeBox(Place::StatusBarEnd, Qt::Horizontal));
+    statusBar()->addPermanentWidget(end);
 }

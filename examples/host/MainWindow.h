@@ -1,36 +1,17 @@
 #pragma once
 
-#include <QtCore/QMap>
+#include "Frame.h"
+#include "Places.h"
+
 #include <QtWidgets/QMainWindow>
 
-class QAction;
-class QBoxLayout;
-class QMenuBar;
+class QDockWidget;
+class QTabWidget;
 
-/// Where in the window an element goes.
-enum class Place {
-    CamMenus,
-    MenuBarEnd,
-    PartPanel,
-    LeftDocks,
-    StatusBar,
-    StatusBarEnd,
-    ToolBars,
-    GraphicMenus,
-    GraphicCenter,
-    MoveTools,
-    EditTools,
-    GraphicBottom,
-    Overview,
-    MatrixMenus,
-    MatrixHead,
-    MatrixCenter,
-    DfmMenus,
-    DfmPanel,
-    RightDocks,
-};
-
-/// The window that all elements share. It is made with empty places, and owns every element added to it.
+/**
+ * The host's window, which is the plug-ins' engineering root: at its edges stand the elements that belong to
+ * no job and the frames that follow the job that is shown, in its middle the other frames.
+ */
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -38,31 +19,31 @@ class MainWindow : public QMainWindow
 public:
     MainWindow();
 
-    /// Puts an element, named after its library, into its place.
-    void add(Place place, const QString &library, QObject *element);
+    Places &places() { return m_places; }
 
-    /// Connects a signal of one element to a slot of another. Returns whether both exist.
-    bool connectElements(const QString &sender, const char *signal, const QString &receiver,
-                         const char *slot);
+    /// Puts a frame among those of its kind, on a tab with its title for as long as the frame lives.
+    void addFrame(FrameKind kind, QWidget *frame);
+    void showFrame(FrameKind kind, QWidget *frame);
+    QWidget *currentFrame(FrameKind kind) const;
+    QStringList tabTexts(FrameKind kind) const;
+
+    /// Chooses the next or, with -1, the previous tab.
+    void stepThroughFrames(FrameKind kind, int direction);
 
     /// Brings docks to the sizes that they start with, once all of them are there.
     void arrangeDocks();
 
+signals:
+    void graphicFrameShown(QWidget *frame);
+
 private:
-    QWidget *makeGraphicPanel();
-    QWidget *makeMatrixPanel();
-    void addPartDock();
-    void addOverviewDock();
-    void addDfmDock();
+    QTabWidget *makeTabs(FrameKind kind);
+    void addFollowingDock(Qt::DockWidgetArea area, const QString &title, FrameKind kind);
+    void showTitle(FrameKind kind);
+    QDockWidget *addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content);
     void addStatusBar();
 
-    QMenuBar *makeMenuBar(Place place);
-    QBoxLayout *makeBox(Place place, Qt::Orientation orientation);
-    void addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content);
-    void followActions(const QString &library, QObject *element);
-    void runAction(const QString &library, const QAction &action);
-
-    QMap<Place, QMenuBar *> m_menuBars;
-    QMap<Place, QBoxLayout *> m_boxes;
-    QMap<QString, QObject *> m_elements;
+    Places m_places;
+    QMap<FrameKind, QTabWidget *> m_tabs;
+    QMap<FrameKind, QDockWidget *> m_docks;
 };

@@ -14,79 +14,104 @@
 
 namespace {
 
+using Manager = QTpluginsManger4CAM;
+
 /// The element's type is what the operation returns a pointer to.
 template <typename Call>
-Registration registration(const char *operation, const char *library, Call call, Place place)
+ElementRegistration registration(const char *operation, const char *library, Call call, FrameKind frame,
+                                 Place place)
 {
-    using Result = std::invoke_result_t<Call, QTpluginsManger4CAM *, QWidget *>;
-    return {operation, library, &std::remove_pointer_t<Result>::staticMetaObject,
-            [call](QTpluginsManger4CAM *manager, QWidget *parent) -> QObject * {
-                return std::invoke(call, manager, parent);
-            },
-            place};
+    constexpr bool takesJob = std::is_invocable_v<Call, Manager *, QWidget *, std::string>;
+    const auto invoke = [call](Manager *manager, QWidget *parent, const std::string &job) {
+        if constexpr (takesJob)
+            return std::invoke(call, manager, parent, job);
+        else
+            return std::invoke(call, manager, parent);
+    };
+    using Result = std::invoke_result_t<decltype(invoke), Manager *, QWidget *, const std::string &>;
+    return {operation, library, &std::remove_pointer_t<Result>::staticMetaObject, invoke, frame, place};
+}
+
+QObject *registerRuleCheck(Manager *manager, QWidget *parent)
+{
+    return manager->Ov_Register_Common("DFM_RuleCheck.dll", parent);
 }
 
 }
 
-std::vector<Registration> registrations(const std::string &jobName)
+std::vector<ElementRegistration> elementRegistrations()
 {
-    using Manager = QTpluginsManger4CAM;
-
-    // These three take more than a parent.
-    const auto matrixEditMenu = [jobName](Manager *manager, QWidget *parent) {
-        return manager->Ov_RegisterMatrix_Edit_Menu(parent, jobName);
-    };
-    const auto matrixTable = [jobName](Manager *manager, QWidget *parent) {
-        return manager->Ov_RegisterMatrix_Table(parent, jobName);
-    };
-    const auto ruleCheck = [](Manager *manager, QWidget *parent) {
-        return manager->Ov_Register_Common("DFM_RuleCheck.dll", parent);
-    };
-
     // clang-format off
     return {
-        // The CAM workspace: the window's own menu bar, and the part numbers on the left.
-        registration("Ov_RegisterCAMMenuFile", "CAM_MenuBar_Menu.dll", &Manager::Ov_RegisterCAMMenuFile, Place::CamMenus),
-        registration("Ov_RegisterCAMMenuAction", "CAM_MenuBar_Actions.dll", &Manager::Ov_RegisterCAMMenuAction, Place::CamMenus),
-        registration("Ov_RegisterCAMMenuOptions", "CAM_MenuBar_Options.dll", &Manager::Ov_RegisterCAMMenuOptions, Place::CamMenus),
-        registration("Ov_RegisterCAM_Common_MenuBar_Info", "Common_MenuBar_Info.dll", &Manager::Ov_RegisterCAM_Common_MenuBar_Info, Place::MenuBarEnd),
-        registration("Ov_RegisterCAM_FilterAndInfo_Bar", "CAM_FilterAndInfo_Bar.dll", &Manager::Ov_RegisterCAM_FilterAndInfo_Bar, Place::PartPanel),
-        registration("Ov_RegisterCAM_PNDATA_VIEW", "CAM_PNData_View.dll", &Manager::Ov_RegisterCAM_PNDATA_VIEW, Place::PartPanel),
-        registration("OvDI_RegisterGraphic_JobList", "ListBar_PNList.dll", &Manager::OvDI_RegisterGraphic_JobList, Place::LeftDocks),
-        registration("Ov_RegisterCAM_Progress_Dialog", "CAM_Progress_Dialog.dll", &Manager::Ov_RegisterCAM_Progress_Dialog, Place::StatusBarEnd),
+        // The CAM workspace: what belongs to no job.
+        registration("Ov_RegisterCAMMenuFile", "CAM_MenuBar_Menu.dll", &Manager::Ov_RegisterCAMMenuFile, FrameKind::Root, Place::Menus),
+        registration("Ov_RegisterCAMMenuAction", "CAM_MenuBar_Actions.dll", &Manager::Ov_RegisterCAMMenuAction, FrameKind::Root, Place::Menus),
+        registration("Ov_RegisterCAMMenuOptions", "CAM_MenuBar_Options.dll", &Manager::Ov_RegisterCAMMenuOptions, FrameKind::Root, Place::Menus),
+        registration("Ov_RegisterCAM_Common_MenuBar_Info", "Common_MenuBar_Info.dll", &Manager::Ov_RegisterCAM_Common_MenuBar_Info, FrameKind::Root, Place::MenuBarEnd),
+        registration("Ov_RegisterCAM_FilterAndInfo_Bar", "CAM_FilterAndInfo_Bar.dll", &Manager::Ov_RegisterCAM_FilterAndInfo_Bar, FrameKind::Root, Place::PartPanel),
+        registration("Ov_RegisterCAM_PNDATA_VIEW", "CAM_PNData_View.dll", &Manager::Ov_RegisterCAM_PNDATA_VIEW, FrameKind::Root, Place::PartPanel),
+        registration("OvDI_RegisterGraphic_JobList", "ListBar_PNList.dll", &Manager::OvDI_RegisterGraphic_JobList, FrameKind::Root, Place::LeftDocks),
+        registration("Ov_RegisterCAM_Progress_Dialog", "CAM_Progress_Dialog.dll", &Manager::Ov_RegisterCAM_Progress_Dialog, FrameKind::Root, Place::StatusBarEnd),
+        registration("Ov_RegisterGraphic_DI_Tool", "Graphic_DI_Tool.dll", &Manager::Ov_RegisterGraphic_DI_Tool, FrameKind::Root, Place::ToolBars),
+        registration("Ov_RegisterGraphic_Tips", "Graphic_Tips.dll", &Manager::Ov_RegisterGraphic_Tips, FrameKind::Root, Place::StatusBar),
 
-        // The graphic editor, in the middle.
-        registration("Ov_RegisterGraphic_Menu_File", "Graphic_MenuBar_File.dll", &Manager::Ov_RegisterGraphic_Menu_File, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_Edit_Menu", "Graphic_MenuBar_Edit.dll", &Manager::Ov_RegisterGraphic_Edit_Menu, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_Actions_Menu", "Graphic_MenuBar_Actions.dll", &Manager::Ov_RegisterGraphic_Actions_Menu, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_MenuBar_Step", "Graphic_MenuBar_Step.dll", &Manager::Ov_RegisterGraphic_MenuBar_Step, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_Analysis_Menu", "Graphic_MenuBar_Analysis.dll", &Manager::Ov_RegisterGraphic_Analysis_Menu, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_MenuBar_ROUT", "Graphic_MenuBar_Rout.dll", &Manager::Ov_RegisterGraphic_MenuBar_ROUT, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_MenuBar_DFM", "Graphic_MenuBar_DFM.dll", &Manager::Ov_RegisterGraphic_MenuBar_DFM, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_CamDI", "Graphic_CamDI.dll", &Manager::Ov_RegisterGraphic_CamDI, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_MenuBar_Other", "Graphic_MenuBar_Others.dll", &Manager::Ov_RegisterGraphic_MenuBar_Other, Place::GraphicMenus),
-        registration("Ov_RegisterGraphic_DI_Tool", "Graphic_DI_Tool.dll", &Manager::Ov_RegisterGraphic_DI_Tool, Place::ToolBars),
-        registration("Ov_RegisterGraphic_View", "Graphic_View.dll", &Manager::Ov_RegisterGraphic_View, Place::GraphicCenter),
-        registration("Ov_RegisterGraphic_Tool_move", "Graphic_Toolbar_Move.dll", &Manager::Ov_RegisterGraphic_Tool_move, Place::MoveTools),
-        registration("Ov_RegisterGraphic_Tool_Edit", "Graphic_Toolbar_Edit.dll", &Manager::Ov_RegisterGraphic_Tool_Edit, Place::EditTools),
-        registration("Ov_RegisterGraphic_Coordinate", "Graphic_Coordinate.dll", &Manager::Ov_RegisterGraphic_Coordinate, Place::GraphicBottom),
-        registration("Ov_RegisterGraphic_JobList", "Graphic_JobList.dll", &Manager::Ov_RegisterGraphic_JobList, Place::LeftDocks),
-        registration("Ov_RegisterGraphic_MiniMap", "Graphic_MiniMap.dll", &Manager::Ov_RegisterGraphic_MiniMap, Place::Overview),
-        registration("Ov_RegisterGraphic_Tips", "Graphic_Tips.dll", &Manager::Ov_RegisterGraphic_Tips, Place::StatusBar),
+        // The graphic editor.
+        registration("Ov_RegisterGraphic_Menu_File", "Graphic_MenuBar_File.dll", &Manager::Ov_RegisterGraphic_Menu_File, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_Edit_Menu", "Graphic_MenuBar_Edit.dll", &Manager::Ov_RegisterGraphic_Edit_Menu, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_Actions_Menu", "Graphic_MenuBar_Actions.dll", &Manager::Ov_RegisterGraphic_Actions_Menu, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_MenuBar_Step", "Graphic_MenuBar_Step.dll", &Manager::Ov_RegisterGraphic_MenuBar_Step, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_Analysis_Menu", "Graphic_MenuBar_Analysis.dll", &Manager::Ov_RegisterGraphic_Analysis_Menu, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_MenuBar_ROUT", "Graphic_MenuBar_Rout.dll", &Manager::Ov_RegisterGraphic_MenuBar_ROUT, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_MenuBar_DFM", "Graphic_MenuBar_DFM.dll", &Manager::Ov_RegisterGraphic_MenuBar_DFM, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_CamDI", "Graphic_CamDI.dll", &Manager::Ov_RegisterGraphic_CamDI, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_MenuBar_Other", "Graphic_MenuBar_Others.dll", &Manager::Ov_RegisterGraphic_MenuBar_Other, FrameKind::Graphic, Place::Menus),
+        registration("Ov_RegisterGraphic_View", "Graphic_View.dll", &Manager::Ov_RegisterGraphic_View, FrameKind::Graphic, Place::Center),
+        registration("Ov_RegisterGraphic_Tool_move", "Graphic_Toolbar_Move.dll", &Manager::Ov_RegisterGraphic_Tool_move, FrameKind::Graphic, Place::MoveTools),
+        registration("Ov_RegisterGraphic_Tool_Edit", "Graphic_Toolbar_Edit.dll", &Manager::Ov_RegisterGraphic_Tool_Edit, FrameKind::Graphic, Place::EditTools),
+        registration("Ov_RegisterGraphic_Coordinate", "Graphic_Coordinate.dll", &Manager::Ov_RegisterGraphic_Coordinate, FrameKind::Graphic, Place::StatusBar),
+        registration("Ov_RegisterGraphic_JobList", "Graphic_JobList.dll", &Manager::Ov_RegisterGraphic_JobList, FrameKind::Graphic, Place::LeftDocks),
+        registration("Ov_RegisterGraphic_MiniMap", "Graphic_MiniMap.dll", &Manager::Ov_RegisterGraphic_MiniMap, FrameKind::Graphic, Place::Overview),
 
-        // The layer matrix, below the editor.
-        registration("Ov_RegisterMatrix_File_Menu", "Matrix_MenuBar.dll", &Manager::Ov_RegisterMatrix_File_Menu, Place::MatrixMenus),
-        registration("Ov_RegisterMatrix_Edit_Menu", "MATRIX_MENUBAR_Edit.dll", matrixEditMenu, Place::MatrixMenus),
-        registration("Ov_RegisterMatrix_Option_Menu", "MATRIX_MENUBAR_Option.dll", &Manager::Ov_RegisterMatrix_Option_Menu, Place::MatrixMenus),
-        registration("Ov_RegisterMatrix_ToolBar", "Matrix_ToolBar.dll", &Manager::Ov_RegisterMatrix_ToolBar, Place::MatrixHead),
-        registration("Ov_RegisterMatrix_Table", "Matrix.dll", matrixTable, Place::MatrixCenter),
+        // The layer matrix.
+        registration("Ov_RegisterMatrix_File_Menu", "Matrix_MenuBar.dll", &Manager::Ov_RegisterMatrix_File_Menu, FrameKind::Matrix, Place::Menus),
+        registration("Ov_RegisterMatrix_Edit_Menu", "MATRIX_MENUBAR_Edit.dll", &Manager::Ov_RegisterMatrix_Edit_Menu, FrameKind::Matrix, Place::Menus),
+        registration("Ov_RegisterMatrix_Option_Menu", "MATRIX_MENUBAR_Option.dll", &Manager::Ov_RegisterMatrix_Option_Menu, FrameKind::Matrix, Place::Menus),
+        registration("Ov_RegisterMatrix_ToolBar", "Matrix_ToolBar.dll", &Manager::Ov_RegisterMatrix_ToolBar, FrameKind::Matrix, Place::Head),
+        registration("Ov_RegisterMatrix_Table", "Matrix.dll", &Manager::Ov_RegisterMatrix_Table, FrameKind::Matrix, Place::Center),
 
-        // The DFM workspace, on the right.
-        registration("Ov_RegisterDFM_Edit_Menu", "DFM_MenuBar_Edit.dll", &Manager::Ov_RegisterDFM_Edit_Menu, Place::DfmMenus),
-        registration("Ov_RegisterDFM_View_Menu", "DFM_MenuBar_View.dll", &Manager::Ov_RegisterDFM_View_Menu, Place::DfmMenus),
-        registration("Ov_RegisterDFM_Operate_Menu", "DFM_MenuBar_Operate.dll", &Manager::Ov_RegisterDFM_Operate_Menu, Place::DfmMenus),
-        registration("Ov_Register_Common", "DFM_RuleCheck.dll", ruleCheck, Place::DfmPanel),
-        registration("Ov_RegisterGraphic_JobList2", "DFM_Graphic_AnalysisTab.dll", &Manager::Ov_RegisterGraphic_JobList2, Place::RightDocks),
+        // The DFM workspace.
+        registration("Ov_RegisterDFM_Edit_Menu", "DFM_MenuBar_Edit.dll", &Manager::Ov_RegisterDFM_Edit_Menu, FrameKind::Dfm, Place::Menus),
+        registration("Ov_RegisterDFM_View_Menu", "DFM_MenuBar_View.dll", &Manager::Ov_RegisterDFM_View_Menu, FrameKind::Dfm, Place::Menus),
+        registration("Ov_RegisterDFM_Operate_Menu", "DFM_MenuBar_Operate.dll", &Manager::Ov_RegisterDFM_Operate_Menu, FrameKind::Dfm, Place::Menus),
+        registration("Ov_Register_Common", "DFM_RuleCheck.dll", registerRuleCheck, FrameKind::Dfm, Place::Center),
+        registration("Ov_RegisterGraphic_JobList2", "DFM_Graphic_AnalysisTab.dll", &Manager::Ov_RegisterGraphic_JobList2, FrameKind::Dfm, Place::BottomDocks),
     };
     // clang-format on
+}
+
+FrameRegistration frameRegistration(FrameKind kind)
+{
+    switch (kind) {
+    case FrameKind::Graphic:
+        return {"Ov_RegisterGraphicFramework",
+                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &step) {
+                    return manager->Ov_RegisterGraphicFramework(parent, job + " | " + step, false);
+                }};
+    case FrameKind::Dfm:
+        return {"Ov_RegisterDFMGraphicFramework4Quorel",
+                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &step) {
+                    return manager->Ov_RegisterDFMGraphicFramework4Quorel(parent, job, step);
+                }};
+    case FrameKind::Matrix:
+        return {"Ov_RegisterMatrixFramework",
+                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &) {
+                    return manager->Ov_RegisterMatrixFramework(parent, job);
+                }};
+    default:
+        // Under this name, and no other, the manager finds the guide of a job.
+        return {"Ov_RegisterGuideFramework",
+                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &) {
+                    return manager->Ov_RegisterGuideFramework(parent, job + "|Guide");
+                }};
+    }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "MainWindow.h"
+#include "Frame.h"
+#include "Places.h"
 
 #include <functional>
 #include <vector>
@@ -8,15 +9,33 @@
 class QTpluginsManger4CAM;
 struct QMetaObject;
 
-/// One registration operation of the CAM manager, and where the host puts the element that it returns.
-struct Registration
+/// An operation of the CAM manager that registers an element: which kind of frame it is for, and where in
+/// that the host puts it.
+struct ElementRegistration
 {
+    using Call = std::function<QObject *(QTpluginsManger4CAM *, QWidget *parent, const std::string &job)>;
+
     const char *operation;
     const char *library;
     const QMetaObject *elementType;
-    std::function<QObject *(QTpluginsManger4CAM *, QWidget *)> call;
+    Call call;
+    FrameKind frame;
     Place place;
 };
 
-/// Every registration operation there is, in the order in which the window is built.
-std::vector<Registration> registrations(const std::string &jobName);
+/// Every one there is, in the order in which windows are built.
+std::vector<ElementRegistration> elementRegistrations();
+
+/// An operation of the CAM manager that registers a frame.
+struct FrameRegistration
+{
+    using Call = std::function<QWidget *(QTpluginsManger4CAM *, QWidget *parent, const std::string &job,
+                                         const std::string &step)>;
+
+    const char *operation;
+    Call call;
+};
+
+/// The one that this host uses for this kind of frame. Only frames that belong to the root are found by
+/// pluginTransmitData(), so the graphic frames' is not one of those for other hosts.
+FrameRegistration frameRegistration(FrameKind kind);

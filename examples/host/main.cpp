@@ -1,8 +1,14 @@
 #include "Account.h"
 #include "BoxObserver.h"
-#include "Connections.h"
+#include "Commands.h"
+#include "JobTree.h"
+#include "KeyStatus.h"
 #include "MainWindow.h"
-#include "Registrations.h"
+#include "Stage.h"
+#include "Workspace.h"
+#include "hostMessage.h"
+#include "storyOfJobs.h"
+#include "storyOfMessages.h"
 
 #include <common.h>
 #include <pluginManger4CAM.h>
@@ -17,11 +23,10 @@
 
 namespace {
 
-constexpr const char *jobName = "control-2l";
-
 struct Options
 {
     QString screenshot;
+    QString before;
     QString log;
 };
 
@@ -32,13 +37,17 @@ Options readOptions()
         QStringLiteral("Builds a CAM window out of everything that the example plug-ins offer."));
     parser.addHelpOption();
     parser.addOptions({
-        {QStringLiteral("screenshot"), QStringLiteral("Save a picture of the window and quit."),
+        {QStringLiteral("screenshot"),
+         QStringLiteral("Play through what a user would do, save a picture of the window and quit."),
+         QStringLiteral("file")},
+        {QStringLiteral("before"), QStringLiteral("Save a picture before playing, too."),
          QStringLiteral("file")},
         {QStringLiteral("log"), QStringLiteral("Write the log there."), QStringLiteral("file"),
          QDir::temp().filePath(QStringLiteral("pluginManger-host.log"))},
     });
     parser.process(*QCoreApplication::instance());
-    return {parser.value(QStringLiteral("screenshot")), parser.value(QStringLiteral("log"))};
+    return {parser.value(QStringLiteral("screenshot")), parser.value(QStringLiteral("before")),
+            parser.value(QStringLiteral("log"))};
 }
 
 /// The library logs, but leaves it to the host to say where to: here into one file for all severities.
@@ -52,6 +61,14 @@ void startLog(const char *program, const QString &path)
         google::SetLogDestination(severity, "");
     google::SetLogDestination(google::GLOG_INFO, QFile::encodeName(path).constData());
     google::SetLogSymlink(google::GLOG_INFO, "");
+}
+
+/// A platform without a screen has no desktop to ask, and its own size leaves room for little.
+void setFontSize()
+{
+    QFont font = QApplication::font();
+    font.setPointSize(9);
+    QApplication::setFont(font);
 }
 
 /// The host's files lie beside it, unless the environment says otherwise.
@@ -73,73 +90,54 @@ void loadPlugins(QTpluginsManger4CAM *manager, Account &account)
     account.check(QStringLiteral("DFM set loaded"), manager->isDFMLoaded());
 }
 
-/// The root is the parent of all elements: by it the manager finds those that belong to no frame.
+/// By the root the manager finds the frames, and the elements that belong to no frame.
 void insertRoot(QTpluginsManger4CAM *manager, QWidget *root, Account &account)
 {
     manager->insertRoot("Engineering", root);
     account.check(QStringLiteral("Engineering root inserted"), manager->getRoot() == root);
 }
 
-/// Registers every element, twice to see that it is made once, and builds the window out of them. Returns
-/// how many of them are in the window.
-int registerElements(QTpluginsManger4CAM *manager, MainWindow &window, Account &account)
+void openJobs(Workspace &workspace, Account &account)
 {
-    const QVector<int> widths{4, 38, 30, 14, 9};
-    account.heading(QStringLiteral("Elements"));
-    account.row({"", "operation", "library", "element", "made once"}, widths);
-
-    int number = 0;
-    int added = 0;
-    for (const Registration &registration : registrations(jobName)) {
-        QObject *const element = registration.call(manager, &window);
-        QObject *const again = registration.call(manager, &window);
-
-        const bool made = element && element->metaObject()->inherits(registration.elementType);
-        const bool once = made && again == element;
-        account.row({QString::number(++number), registration.operation, registration.library,
-                     made ? registration.elementType->className() : "none", once ? "yes" : "no"},
-                    widths, once);
-        if (!made)
-            continue;
-        window.add(registration.place, registration.library, element);
-        ++added;
-    }
-    return added;
+    account.heading(QStringLiteral("Frames"));
+    account.row({"operation", "opened for", "made once"}, {40, 24, 9});
+    const QString pcb = QStringLiteral("pcb");
+    workspace.openJob(QStringLiteral("control-2l"), {pcb, QStringLiteral("panel"), QStringLiteral("orig")});
+    workspace.openJob(QStringLiteral("preamp-2l"), {pcb});
+    workspace.showStep(QStringLiteral("control-2l"), pcb);
 }
 
-/// Asks for the progress element once more, and gets the one in the window.
-void showProgress(QTpluginsManger4CAM *manager, QWidget *root, int elementCount)
+void showProgress(QTpluginsManger4CAM *manager, int elementCount)
 {
-    QObject *const progress = manager->Ov_RegisterCAM_Progress_Dialog(root);
-    if (!progress)
-        return;
-    progress->setProperty("text", QStringLiteral("%1 elements registered").arg(elementCount));
-    progress->setProperty("percent", 100);
-}
-
-void connectElements(MainWindow &window, Account &account)
-{
-    const QVector<int> widths{27, 30, 27, 25, 9};
-    account.heading(QStringLiteral("Connections"));
-    account.row({"from", "signal", "to", "slot", "connected"}, widths);
-    for (const Connection &connection : connections()) {
-        const bool connected = window.connectElements(connection.sender, connection.signal,
-                                                      connection.receiver, connection.slot);
-        // SIGNAL and SLOT put a digit before the name.
-        account.row({connection.sender, connection.signal + 1, connection.receiver, connection.slot + 1,
-                     connected ? "yes" : "no"},
-                    widths, connected);
-    }
+    manager->updateEngieer(
+        {}, hostMessage(
+                QStringLiteral("CAM_Progress_Dialog.dll"), MessageType::ShowProgress,
+                {{"Percent", 100}, {"Text", QStringLiteral("%1 elements registered").arg(elementCount)}}));
 }
 
 void saveScreenshot(MainWindow &window, const QString &path, Account &account)
 {
-    account.heading(QStringLiteral("Window"));
+    account.heading(QStringLiteral("Picture"));
+    // What has just changed is laid out by events that still wait.
+    QCoreApplication::processEvents();
     const QPixmap picture = window.grab();
     account.fact(QStringLiteral("Size"),
                  QStringLiteral("%1 x %2").arg(picture.width()).arg(picture.height()));
-    account.fact(QStringLiteral("Picture"), path);
-    account.check(QStringLiteral("Picture saved"), picture.save(path, "PNG"));
+    account.fact(QStringLiteral("File"), path);
+    account.check(QStringLiteral("Saved"), picture.save(path, "PNG"));
+}
+
+/// What a user would do, and what the window then shows.
+void playStory(const Stage &stage, const Options &options)
+{
+    if (!options.before.isEmpty())
+        saveScreenshot(stage.window, options.before, stage.account);
+    // There is no story with a part of the window missing.
+    if (stage.account.failureCount() == 0) {
+        playStoryOfMessages(stage);
+        playStoryOfJobs(stage);
+    }
+    saveScreenshot(stage.window, options.screenshot, stage.account);
 }
 
 }
@@ -156,21 +154,31 @@ int main(int argc, char *argv[])
 
     startLog(argv[0], options.log);
     setBaseDirectory();
+    if (!attended)
+        setFontSize();
 
     QTpluginsManger4CAM *const manager = QTpluginsManger4CAM::instance();
     loadPlugins(manager, account);
 
     MainWindow window;
     insertRoot(manager, &window, account);
-    const int elementCount = registerElements(manager, window, account);
-    connectElements(window, account);
-    showProgress(manager, &window, elementCount);
+
+    Workspace workspace(manager, window, account);
+    workspace.open();
+    openJobs(workspace, account);
+    workspace.elements().tell(account);
+    showProgress(manager, workspace.elements().count());
+
+    JobTree jobTree(manager, workspace);
+    Commands commands(manager, window, workspace, jobTree);
+    KeyStatus keyStatus(manager, window);
+    application.installEventFilter(&keyStatus);
+
     window.arrangeDocks();
     window.show();
-
     if (!attended) {
         QTimer::singleShot(0, &window, [&] {
-            saveScreenshot(window, options.screenshot, account);
+            playStory({manager, window, workspace, account}, options);
             QApplication::quit();
         });
     }

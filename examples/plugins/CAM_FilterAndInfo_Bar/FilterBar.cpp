@@ -16,7 +16,7 @@ public:
     void showText(const QString &text);
 
 signals:
-    void filterChanged(const QString &filter);
+    void sendMsgToManager(const PluginMetaData &message);
 
 private:
     QLabel *const m_info = new QLabel;
@@ -30,7 +30,10 @@ FilterBar::FilterBar()
     addWidget(filter);
     addWidget(m_info);
     showText(QStringLiteral("%1 part numbers").arg(sampleParts().size()));
-    connect(filter, &QLineEdit::textChanged, this, &FilterBar::filterChanged);
+    connect(filter, &QLineEdit::textChanged, this, [this](const QString &text) {
+        emit sendMsgToManager(makeMessage("CAM_FilterAndInfo_Bar.dll", "ListBar_PNList.dll",
+                                          MessageType::FilterParts, {{"Filter", text}}));
+    });
 }
 
 void FilterBar::showText(const QString &text)
@@ -49,7 +52,7 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
 {
     if (message.type == MessageType::ShowText)
         static_cast<FilterBar *>(static_cast<QVBoxLayout *>(element))
-            ->showText(parameter(message, "Text").toString());
+            ->showText(textParameter(message, "Text"));
 }
 
 #include "FilterBar.moc"

@@ -8,14 +8,10 @@
 /// What is known about one part number.
 class PartDataView : public QScrollArea
 {
-    Q_OBJECT
-
 public:
     explicit PartDataView(QWidget *parent);
 
     void showText(const QString &text);
-
-public slots:
     void showPart(const QString &number);
 
 private:
@@ -82,9 +78,7 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
 {
     auto *const view = static_cast<PartDataView *>(static_cast<QScrollArea *>(element));
     if (message.type == MessageType::ShowText)
-        view->showText(parameter(message, "Text").toString());
+        view->showText(textParameter(message, "Text"));
     else if (message.type == MessageType::SelectPart)
-        view->showPart(parameter(message, "Part").toString());
+        view->showPart(textParameter(message, "Part"));
 }
-
-#include "PartDataView.moc"

@@ -8,21 +8,15 @@
 /**
  * How far a piece of work has come.
  *
- * Hosts know it as a QObject and set its properties. They may show it as a dialog or, since it is one
- * line high, put it into a window.
+ * Hosts know it as a QObject. They may show it as a dialog or, since it is one line high, put it into a
+ * window.
  */
 class ProgressDialog : public QDialog
 {
-    Q_OBJECT
-    Q_PROPERTY(QString text READ text WRITE setText)
-    Q_PROPERTY(int percent READ percent WRITE setPercent)
-
 public:
     explicit ProgressDialog(QWidget *parent);
 
-    QString text() const { return m_text->text(); }
     void setText(const QString &text) { m_text->setText(text); }
-    int percent() const { return m_bar->value(); }
     void setPercent(int percent) { m_bar->setValue(percent); }
 
 private:
@@ -52,10 +46,8 @@ extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *parent)
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
     auto *const dialog = static_cast<ProgressDialog *>(static_cast<QObject *>(element));
-    if (message.type == MessageType::ShowText)
-        dialog->setText(parameter(message, "Text").toString());
-    else if (message.type == MessageType::ShowProgress)
+    if (message.type == MessageType::ShowText || message.type == MessageType::ShowProgress)
+        dialog->setText(textParameter(message, "Text"));
+    if (message.type == MessageType::ShowProgress)
         dialog->setPercent(parameter(message, "Percent").toInt());
 }
-
-#include "ProgressDialog.moc"

@@ -16,7 +16,10 @@ extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *parent)
 
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
+    auto *const info = static_cast<QLabel *>(static_cast<QWidget *>(element));
     if (message.type == MessageType::ShowText)
-        static_cast<QLabel *>(static_cast<QWidget *>(element))
-            ->setText(parameter(message, "Text").toString());
+        info->setText(textParameter(message, "Text"));
+    else if (message.type == MessageType::JobRenamed)
+        info->setText(
+            info->text().replace(textParameter(message, "OldJobName"), textParameter(message, "NewJobName")));
 }

@@ -51,7 +51,7 @@ QTreeWidget *makeDrillTable(const Job &job)
     QTreeWidget *const table =
         makeTable({QStringLiteral("Diameter"), QStringLiteral("Plated"), QStringLiteral("Holes")});
     QMap<QPair<double, bool>, int> counts;
-    for (const Drill &drill : layerOf(job, QStringLiteral("drill")).drills)
+    for (const Drill &drill : layerOf(job, QStringLiteral("drill"))->drills)
         ++counts[{drill.diameter, drill.plated}];
     for (auto count = counts.constBegin(); count != counts.constEnd(); ++count)
         new QTreeWidgetItem(table, {QStringLiteral("%1 mm").arg(count.key().first, 0, 'f', 2),
@@ -60,23 +60,46 @@ QTreeWidget *makeDrillTable(const Job &job)
     return table;
 }
 
+/// A dock with a table on each tab, about the job of the step that was opened.
+class AnalysisTab : public QDockWidget
+{
+public:
+    explicit AnalysisTab(QWidget *parent);
+
+    void openJob(const Job &job);
+
+private:
+    QTabWidget *const m_tabs = new QTabWidget;
+};
+
+AnalysisTab::AnalysisTab(QWidget *parent)
+    : QDockWidget(QStringLiteral("DFM analysis"), parent)
+{
+    setObjectName(QStringLiteral("DFM_Graphic_AnalysisTab"));
+    setWidget(m_tabs);
+}
+
+void AnalysisTab::openJob(const Job &job)
+{
+    while (QWidget *const page = m_tabs->widget(0))
+        delete page;
+    m_tabs->addTab(makeTrackTable(job), QStringLiteral("Tracks"));
+    m_tabs->addTab(makeDrillTable(job), QStringLiteral("Drills"));
+}
+
 }
 
 /// The dock belongs to its parent.
 extern "C" Q_DECL_EXPORT void *GetPluginDFMInstance(QWidget *parent)
 {
-    auto *const tabs = new QTabWidget;
-    tabs->addTab(makeTrackTable(sampleJob()), QStringLiteral("Tracks"));
-    tabs->addTab(makeDrillTable(sampleJob()), QStringLiteral("Drills"));
-
-    auto *const dock = new QDockWidget(QStringLiteral("DFM analysis"), parent);
-    dock->setObjectName(QStringLiteral("DFM_Graphic_AnalysisTab"));
-    dock->setWidget(tabs);
-    return dock;
+    return static_cast<QDockWidget *>(new AnalysisTab(parent));
 }
 
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
+    auto *const tab = static_cast<AnalysisTab *>(static_cast<QDockWidget *>(element));
     if (message.type == MessageType::ShowText)
-        static_cast<QDockWidget *>(element)->setWindowTitle(parameter(message, "Text").toString());
+        tab->setWindowTitle(textParameter(message, "Text"));
+    else if (message.type == MessageType::OpenStep)
+        tab->openJob(readJob(textParameter(message, "JobName")));
 }

@@ -9,13 +9,13 @@
 class CoordinateRow : public QHBoxLayout
 {
     Q_OBJECT
+    Q_PROPERTY(QString position READ position)
 
 public:
     CoordinateRow();
 
+    QString position() const { return m_position->text(); }
     void showText(const QString &text);
-
-public slots:
     void showPosition(QPointF position);
 
 private:
@@ -77,9 +77,9 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
 {
     auto *const row = static_cast<CoordinateRow *>(static_cast<QHBoxLayout *>(element));
     if (message.type == MessageType::ShowText)
-        row->showText(parameter(message, "Text").toString());
-    else if (message.type == MessageType::ShowPosition)
-        row->showPosition({parameter(message, "X").toDouble(), parameter(message, "Y").toDouble()});
+        row->showText(textParameter(message, "Text"));
+    else if (message.type == MessageType::FollowView)
+        row->showPosition(parameter(message, "Position").toPointF());
 }
 
 #include "CoordinateRow.moc"

@@ -1,6 +1,7 @@
 #include "MiniMap.h"
 
 #include "jobPainting.h"
+#include "messages.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr double margin = 8;
+constexpr double margin = 6;
 
 const QColor backgroundColor(16, 20, 26);
 const QColor areaColor(255, 214, 90);
@@ -25,7 +26,13 @@ MiniMap::MiniMap(QWidget *parent)
 
 QSize MiniMap::sizeHint() const
 {
-    return {260, 180};
+    return {150, 110};
+}
+
+void MiniMap::openStep(const Step &step)
+{
+    m_step = step;
+    update();
 }
 
 void MiniMap::showText(const QString &text)
@@ -46,8 +53,10 @@ void MiniMap::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), backgroundColor);
     painter.setRenderHint(QPainter::Antialiasing);
 
+    if (m_step.boards.isEmpty())
+        return;
     painter.setTransform(toScreen());
-    paintJob(painter, sampleJob());
+    paintStep(painter, m_step);
 
     painter.resetTransform();
     painter.setRenderHint(QPainter::Antialiasing, false);
@@ -60,18 +69,24 @@ void MiniMap::paintEvent(QPaintEvent *)
 
 void MiniMap::mousePressEvent(QMouseEvent *event)
 {
-    emit centerRequested(toScreen().inverted().map(event->localPos()));
+    askViewToGoTo(event->localPos());
 }
 
 void MiniMap::mouseMoveEvent(QMouseEvent *event)
 {
-    emit centerRequested(toScreen().inverted().map(event->localPos()));
+    askViewToGoTo(event->localPos());
 }
 
 QTransform MiniMap::toScreen() const
 {
-    const QRectF area = sampleJob().board.adjusted(-margin, -margin, margin, margin);
+    const QRectF area = m_step.area.adjusted(-margin, -margin, margin, margin);
     const double scale = std::min(width() / area.width(), height() / area.height());
     return QTransform::fromTranslate(-area.center().x(), -area.center().y())
            * QTransform::fromScale(scale, -scale) * QTransform::fromTranslate(width() / 2.0, height() / 2.0);
+}
+
+void MiniMap::askViewToGoTo(QPointF screenPosition)
+{
+    emit sendMsgToManager(makeMessage("Graphic_MiniMap.dll", "Graphic_View.dll", MessageType::CenterOn,
+                                      {{"Position", toScreen().inverted().map(screenPosition)}}));
 }

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "sampleJob.h"
+
+#include <PluginMetaData.h>
+
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
 #include <QtGui/QTransform>
@@ -9,18 +13,19 @@
 class MiniMap : public QWidget
 {
     Q_OBJECT
+    Q_PROPERTY(QRectF visibleArea READ visibleArea)
 
 public:
     explicit MiniMap(QWidget *parent);
 
     QSize sizeHint() const override;
+    QRectF visibleArea() const { return m_visibleArea; }
+    void openStep(const Step &step);
     void showText(const QString &text);
-
-public slots:
     void showVisibleArea(QRectF area);
 
 signals:
-    void centerRequested(QPointF position);
+    void sendMsgToManager(const PluginMetaData &message);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -29,7 +34,9 @@ protected:
 
 private:
     QTransform toScreen() const;
+    void askViewToGoTo(QPointF screenPosition);
 
+    Step m_step;
     QRectF m_visibleArea;
     QString m_text;
 };

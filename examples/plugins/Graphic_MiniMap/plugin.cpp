@@ -11,5 +11,9 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
 {
     auto *const map = static_cast<MiniMap *>(static_cast<QWidget *>(element));
     if (message.type == MessageType::ShowText)
-        map->showText(parameter(message, "Text").toString());
+        map->showText(textParameter(message, "Text"));
+    else if (message.type == MessageType::OpenStep)
+        map->openStep(readStep(textParameter(message, "JobName"), textParameter(message, "Step")));
+    else if (message.type == MessageType::FollowView)
+        map->showVisibleArea(parameter(message, "Area").toRectF());
 }

@@ -17,8 +17,8 @@ private:
 
     const QStringList m_tips{
         QStringLiteral("Tip: turn the wheel over the board to zoom, drag it to move."),
-        QStringLiteral("Tip: choose a row of the layer matrix to see that layer alone."),
-        QStringLiteral("Tip: click the overview to go to that place on the board."),
+        QStringLiteral("Tip: choose a row of the matrix to see that layer in all steps."),
+        QStringLiteral("Tip: click the small map to go to that place on the board."),
         QStringLiteral("Tip: type in the filter to shorten the list of part numbers."),
     };
     int m_next = 0;
@@ -50,5 +50,5 @@ extern "C" Q_DECL_EXPORT void *GetGraphic_TipsInstance(QWidget *parent)
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
     if (message.type == MessageType::ShowText)
-        static_cast<Tips *>(static_cast<QWidget *>(element))->setText(parameter(message, "Text").toString());
+        static_cast<Tips *>(static_cast<QWidget *>(element))->setText(textParameter(message, "Text"));
 }

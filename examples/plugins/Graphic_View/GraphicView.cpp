@@ -1,6 +1,7 @@
 #include "GraphicView.h"
 
 #include "jobPainting.h"
+#include "messages.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -17,6 +18,8 @@ constexpr double gridPitch = 5;
 constexpr double margin = 1;
 constexpr int captionMargin = 4;
 
+constexpr char ownName[] = "Graphic_View.dll";
+
 const QColor backgroundColor(16, 20, 26);
 const QColor gridColor(38, 46, 56);
 const QColor captionColor(200, 208, 216);
@@ -29,6 +32,39 @@ GraphicView::GraphicView(QWidget *parent)
     setMinimumSize(240, 160);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+QString GraphicView::caption() const
+{
+    return QStringLiteral("%1 | %2, %3")
+        .arg(m_jobName, m_stepName,
+             m_highlightedLayer.isEmpty() ? QStringLiteral("all layers") : m_highlightedLayer);
+}
+
+void GraphicView::openStep(const QString &jobName, const QString &stepName)
+{
+    m_jobName = jobName;
+    m_stepName = stepName;
+    m_step = readStep(jobName, stepName);
+    fit();
+}
+
+void GraphicView::renameJob(const QString &oldName, const QString &newName)
+{
+    if (m_jobName == oldName)
+        m_jobName = newName;
+    update();
+}
+
+void GraphicView::renameStep(const QString &newName)
+{
+    m_stepName = newName;
+    update();
+}
+
+void GraphicView::compareWith(const QString &jobName)
+{
+    showText(jobName == m_jobName ? QString() : QStringLiteral("Compared with ") + jobName);
 }
 
 void GraphicView::showText(const QString &text)
@@ -76,7 +112,7 @@ void GraphicView::down()
 
 void GraphicView::fit()
 {
-    const QRectF area = sampleJob().board.adjusted(-margin, -margin, margin, margin);
+    const QRectF area = m_step.area.adjusted(-margin, -margin, margin, margin);
     m_center = area.center();
     m_pixelsPerMillimetre =
         std::min(boardArea().width() / area.width(), boardArea().height() / area.height());
@@ -98,11 +134,9 @@ void GraphicView::centerOn(QPointF position)
 
 void GraphicView::highlightLayer(const QString &name)
 {
-    const QVector<Layer> &layers = sampleJob().layers;
-    const bool known = std::any_of(layers.constBegin(), layers.constEnd(),
-                                   [&name](const Layer &layer) { return layer.name == name; });
-    m_highlightedLayer = known ? name : QString();
+    m_highlightedLayer = layerOf(m_step.job, name) ? name : QString();
     update();
+    answerMatrix();
 }
 
 void GraphicView::paintEvent(QPaintEvent *)
@@ -114,7 +148,7 @@ void GraphicView::paintEvent(QPaintEvent *)
     painter.setClipRect(boardArea());
     painter.setTransform(toScreen());
     paintGrid(painter);
-    paintJob(painter, sampleJob(), m_highlightedLayer);
+    paintStep(painter, m_step, m_highlightedLayer);
 
     painter.resetTransform();
     painter.setClipping(false);
@@ -153,7 +187,8 @@ void GraphicView::mouseMoveEvent(QMouseEvent *event)
         m_dragStart = event->pos();
         centerOn(m_center + start - position);
     }
-    emit cursorMoved(position);
+    emit sendMsgToManager(
+        makeMessage(ownName, "Graphic_Coordinate.dll", MessageType::FollowView, {{"Position", position}}));
 }
 
 /// What the captions above and below leave.
@@ -193,7 +228,21 @@ void GraphicView::moveBy(double widths, double heights)
 void GraphicView::viewChanged()
 {
     update();
-    emit visibleAreaChanged(visibleArea());
+    emit sendMsgToManager(
+        makeMessage(ownName, "Graphic_MiniMap.dll", MessageType::FollowView, {{"Area", visibleArea()}}));
+}
+
+/// Tells the matrix of the job, which lives in another frame, how much of the layer is to be seen here.
+void GraphicView::answerMatrix()
+{
+    const Layer *const layer = layerOf(m_step.job, m_highlightedLayer);
+    const int features = layer ? featureCount(*layer) * m_step.boards.size() : 0;
+    emit sendMsgToManager(makeMessage(ownName, "Matrix.dll", MessageType::LayerShown,
+                                      {{"DstType", "Matrix"},
+                                       {"JobName", m_jobName},
+                                       {"Step", m_stepName},
+                                       {"Layer", m_highlightedLayer},
+                                       {"Features", features}}));
 }
 
 void GraphicView::paintGrid(QPainter &painter) const
@@ -210,9 +259,8 @@ void GraphicView::paintGrid(QPainter &painter) const
 
 void GraphicView::paintCaption(QPainter &painter) const
 {
-    const QString layer = m_highlightedLayer.isEmpty() ? QStringLiteral("all layers") : m_highlightedLayer;
     const QRect area = rect().adjusted(2 * captionMargin, captionMargin, -2 * captionMargin, -captionMargin);
     painter.setPen(captionColor);
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop, sampleJob().name + QStringLiteral(", ") + layer);
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop, caption());
     painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom, m_text);
 }

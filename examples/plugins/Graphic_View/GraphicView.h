@@ -1,20 +1,36 @@
 #pragma once
 
+#include "sampleJob.h"
+
+#include <PluginMetaData.h>
+
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
 #include <QtGui/QTransform>
 #include <QtWidgets/QWidget>
 
-/// The board in its own coordinates. The wheel zooms, dragging moves, and so do the slots.
+/// A step in its own coordinates. The wheel zooms, dragging moves, and so do the slots, which are the
+/// commands that other elements may send. What the view shows is read when the step is opened; names may
+/// change later.
 class GraphicView : public QWidget
 {
     Q_OBJECT
+    Q_PROPERTY(QString caption READ caption)
+    Q_PROPERTY(QString text READ text)
 
 public:
     explicit GraphicView(QWidget *parent);
 
+    QString caption() const;
+    QString text() const { return m_text; }
+    void openStep(const QString &jobName, const QString &stepName);
+    void renameJob(const QString &oldName, const QString &newName);
+    void renameStep(const QString &newName);
+    void compareWith(const QString &jobName);
     void showText(const QString &text);
     void runCommand(const QString &command);
+    void centerOn(QPointF position);
+    void highlightLayer(const QString &name);
 
 public slots:
     void zoomIn();
@@ -25,12 +41,9 @@ public slots:
     void down();
     void fit();
     void allLayers();
-    void centerOn(QPointF position);
-    void highlightLayer(const QString &name);
 
 signals:
-    void cursorMoved(QPointF position);
-    void visibleAreaChanged(QRectF area);
+    void sendMsgToManager(const PluginMetaData &message);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -47,9 +60,13 @@ private:
     void zoom(double factor, QPointF fixedPosition);
     void moveBy(double widths, double heights);
     void viewChanged();
+    void answerMatrix();
     void paintGrid(QPainter &painter) const;
     void paintCaption(QPainter &painter) const;
 
+    QString m_jobName;
+    QString m_stepName;
+    Step m_step;
     QPointF m_center;
     double m_pixelsPerMillimetre = 1;
     bool m_fitted = true;

@@ -14,12 +14,11 @@ public:
     explicit PartList(QWidget *parent);
 
     void selectPart(const QString &number);
-
-public slots:
     void setFilter(const QString &filter);
+    void renameJob(const QString &oldName, const QString &newName);
 
 signals:
-    void partSelected(const QString &number);
+    void sendMsgToManager(const PluginMetaData &message);
 
 private:
     QTreeWidget *const m_list = new QTreeWidget(this);
@@ -38,7 +37,8 @@ PartList::PartList(QWidget *parent)
     selectPart(sampleParts().first().number);
     connect(m_list, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem *item) {
         if (item)
-            emit partSelected(item->text(0));
+            emit sendMsgToManager(makeMessage("ListBar_PNList.dll", "CAM_PNData_View.dll",
+                                              MessageType::SelectPart, {{"Part", item->text(0)}}));
     });
 }
 
@@ -59,6 +59,13 @@ void PartList::setFilter(const QString &filter)
     }
 }
 
+void PartList::renameJob(const QString &oldName, const QString &newName)
+{
+    const QList<QTreeWidgetItem *> parts = m_list->findItems(oldName, Qt::MatchExactly, 2);
+    for (QTreeWidgetItem *const part : parts)
+        part->setText(2, newName);
+}
+
 /// The dock belongs to its parent.
 extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *parent)
 {
@@ -69,9 +76,13 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
 {
     auto *const list = static_cast<PartList *>(static_cast<QDockWidget *>(element));
     if (message.type == MessageType::ShowText)
-        list->setWindowTitle(parameter(message, "Text").toString());
+        list->setWindowTitle(textParameter(message, "Text"));
     else if (message.type == MessageType::SelectPart)
-        list->selectPart(parameter(message, "Part").toString());
+        list->selectPart(textParameter(message, "Part"));
+    else if (message.type == MessageType::FilterParts)
+        list->setFilter(textParameter(message, "Filter"));
+    else if (message.type == MessageType::JobRenamed)
+        list->renameJob(textParameter(message, "OldJobName"), textParameter(message, "NewJobName"));
 }
 
 #include "PartList.moc"

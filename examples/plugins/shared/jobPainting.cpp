@@ -4,6 +4,7 @@
 
 namespace {
 
+const QColor panelColor(44, 50, 48);
 const QColor boardColor(24, 60, 44);
 const QColor holeColor(12, 16, 20);
 
@@ -46,16 +47,28 @@ void paintLayer(QPainter &painter, const Layer &layer)
     paintDrills(painter, layer);
 }
 
-}
-
 void paintJob(QPainter &painter, const Job &job, const QString &highlightedLayer)
 {
+    const Layer *const highlighted = layerOf(job, highlightedLayer);
     painter.fillRect(job.board, boardColor);
-    painter.setOpacity(highlightedLayer.isEmpty() ? 1.0 : 0.25);
+    painter.setOpacity(highlighted ? 0.25 : 1.0);
     for (const char *const name : {"bottom", "top", "silk-top", "drill", "outline"})
-        paintLayer(painter, layerOf(job, QLatin1String(name)));
+        paintLayer(painter, *layerOf(job, QLatin1String(name)));
 
     painter.setOpacity(1.0);
-    if (!highlightedLayer.isEmpty())
-        paintLayer(painter, layerOf(job, highlightedLayer));
+    if (highlighted)
+        paintLayer(painter, *highlighted);
+}
+
+}
+
+void paintStep(QPainter &painter, const Step &step, const QString &highlightedLayer)
+{
+    if (step.boards.size() > 1)
+        painter.fillRect(step.area, panelColor);
+    for (const QPointF &board : step.boards) {
+        painter.translate(board);
+        paintJob(painter, step.job, highlightedLayer);
+        painter.translate(-board);
+    }
 }

@@ -4,5 +4,5 @@
 
 class QPainter;
 
-/// Draws the job in its own coordinates, in millimetres. With a layer's name, that layer stands out.
-void paintJob(QPainter &painter, const Job &job, const QString &highlightedLayer = {});
+/// Draws the step in its own coordinates, in millimetres. With a layer's name, that layer stands out.
+void paintStep(QPainter &painter, const Step &step, const QString &highlightedLayer = {});

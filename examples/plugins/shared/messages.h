@@ -2,24 +2,61 @@
 
 #include <PluginMetaData.h>
 
+#include <QtCore/QVariant>
+
 /**
- * The message types that the example plug-ins understand, and the named parameters of each.
- *
- * Every element shows the text of a ShowText message. The others concern the elements named beside them
- * and are ignored elsewhere.
+ * The message types that the example host and its plug-ins understand, the named parameters of each, and who
+ * understands it. Elements ignore what they do not know.
  */
 enum MessageType : qint32 {
-    ShowText = 1,     ///< "Text"
-    RunCommand = 2,   ///< "Command": a graphic view's zoomIn, zoomOut, fit, moveLeft, ...
-    ShowPosition = 3, ///< "X", "Y" in millimetres: the coordinate row
-    SelectLayer = 4,  ///< "Layer", empty for none: graphic view, layer matrix
-    SelectPart = 5,   ///< "Part": the views of part numbers
-    SelectStep = 6,   ///< "Step": the job list
-    ShowProgress = 7, ///< "Percent": the progress dialog
+    ShowText = 1,        ///< "Text": every element and frame
+    RunCommand = 2,      ///< "Command": the graphic view (zoomIn, fit, ...), the rule check (runChecks, ...)
+    SelectLayer = 3,     ///< "Layer", empty for none: the graphic view
+    LayerShown = 4,      ///< "Step", "Layer", "Features": the layer matrix, in answer to SelectLayer
+    SelectPart = 5,      ///< "Part": the views of part numbers
+    SelectStep = 6,      ///< "JobName", "Step": the graphic frame
+    ShowProgress = 7,    ///< "Percent", "Text": the progress dialog
+    FilterParts = 8,     ///< "Filter": the list of part numbers
+    CenterOn = 9,        ///< "Position" in millimetres: the graphic view
+    OpenStep = 10,       ///< "JobName", "Step": every element that shows what is in a step
+    RenameStep = 11,     ///< "OldStepName", "ChangeStepName": view, job list, matrix, graphic frame
+    ShowSteps = 12,      ///< "Steps", those that are open: job list, layer matrix
+    ShowCompareJob = 13, ///< "CompareJob": the graphic view
+    ShowKeys = 14,       ///< "Keys": the graphic frame
+    TaskDone = 15,       ///< "Task", "Text": the guide
+
+    /// Follows every move of the mouse, so it has the type that the manager does not log. The graphic view
+    /// sends its "Position" in millimetres to the coordinate row, its visible "Area" to the mini map.
+    FollowView = 10000000,
+
+    // These are the manager's own.
+    FrameOpened = 20001638,      ///< "JobName", "Step": graphic and matrix frame
+    JobRenamed = 20002400,       ///< "OldJobName", "NewJobName": job list, guide; the host sends it to others
+    MatrixJobRenamed = 20002401, ///< "NewJobName": matrix frame and what is in it
+    FrameClosed = 20002402,      ///< every frame
+    GuideOpened = 20003913,      ///< "JobName"
+    DfmFrameOpened = 20004616,   ///< the DFM frame
 };
 
 /// The named parameter of a message; an invalid value when it has none.
 inline QVariant parameter(const PluginMetaData &message, const char *name)
 {
     return message.data.value(QLatin1String(name));
+}
+
+inline QString textParameter(const PluginMetaData &message, const char *name)
+{
+    return parameter(message, name).toString();
+}
+
+/// A message from one library's element to another's, both named by their file names.
+inline PluginMetaData makeMessage(const char *source, const char *destination, qint32 type,
+                                  const QMap<QString, QVariant> &data)
+{
+    PluginMetaData message;
+    message.src = QLatin1String(source);
+    message.dst = QLatin1String(destination);
+    message.type = type;
+    message.data = data;
+    return message;
 }

@@ -13,7 +13,10 @@ constexpr int pinCount = 8;
 class BoardBuilder
 {
 public:
-    Job build();
+    explicit BoardBuilder(const QSizeF &size);
+
+    Job build(bool withSupply);
+    Job buildEmpty();
 
 private:
     void addController();
@@ -38,8 +41,8 @@ private:
     Layer m_drill{QStringLiteral("drill"), QStringLiteral("Drill"), QColor(160, 160, 168), {}, {}, {}};
     Layer m_outline{QStringLiteral("outline"), QStringLiteral("Rout"), QColor(230, 196, 80), {}, {}, {}};
 
-    const QRectF m_board{0, 0, 60, 40};
-    const QPointF m_controller{30, 20};
+    const QRectF m_board;
+    const QPointF m_controller = m_board.center();
 };
 
 /// The distance of a row's pin from the row's middle.
@@ -48,22 +51,30 @@ double pinOffset(int pin, double pitch)
     return (pin - (pinCount - 1) / 2.0) * pitch;
 }
 
-Job BoardBuilder::build()
+BoardBuilder::BoardBuilder(const QSizeF &size)
+    : m_board({0, 0}, size)
 {
+}
+
+Job BoardBuilder::build(bool withSupply)
+{
+    constexpr double headerInset = 6;
     addController();
-    addSideHeader(6, -1);
-    addSideHeader(54, 1);
+    addSideHeader(m_board.left() + headerInset, -1);
+    addSideHeader(m_board.right() - headerInset, 1);
     addPullUps();
     addBottomHeader();
-    addSupply();
+    if (withSupply)
+        addSupply();
     addMountingHoles();
     addMaskOpenings();
+    return buildEmpty();
+}
 
+Job BoardBuilder::buildEmpty()
+{
     m_outline.tracks.append({QPolygonF(m_board), 0.15});
-    return {QStringLiteral("control-2l"),
-            {QStringLiteral("orig"), QStringLiteral("pcb"), QStringLiteral("panel")},
-            m_board,
-            {m_silk, m_maskTop, m_top, m_bottom, m_maskBottom, m_drill, m_outline}};
+    return {m_board, {m_silk, m_maskTop, m_top, m_bottom, m_maskBottom, m_drill, m_outline}};
 }
 
 void BoardBuilder::addController()
@@ -77,8 +88,8 @@ void BoardBuilder::addController()
         m_top.pads.append({m_controller + QPointF(offset, -padDistance), lying.transposed(), false});
         m_top.pads.append({m_controller + QPointF(offset, padDistance), lying.transposed(), false});
     }
-    addSilkBox({26.2, 16.2, 7.6, 7.6});
-    m_silk.pads.append({{27.2, 22.8}, {0.8, 0.8}, true});
+    addSilkBox({m_controller - QPointF(3.8, 3.8), QSizeF(7.6, 7.6)});
+    m_silk.pads.append({m_controller + QPointF(-2.8, 2.8), {0.8, 0.8}, true});
 }
 
 void BoardBuilder::addSideHeader(double pinX, double direction)
@@ -161,7 +172,9 @@ void BoardBuilder::addSupply()
 
 void BoardBuilder::addMountingHoles()
 {
-    for (const QPointF &corner : {QPointF(4, 4), QPointF(56, 4), QPointF(4, 36), QPointF(56, 36)})
+    const QRectF corners = m_board.adjusted(4, 4, -4, -4);
+    for (const QPointF &corner :
+         {corners.topLeft(), corners.topRight(), corners.bottomLeft(), corners.bottomRight()})
         m_drill.drills.append({corner, 3.2, false});
 }
 
@@ -189,32 +202,56 @@ void BoardBuilder::addSilkBox(const QRectF &box)
 
 }
 
-const Layer &layerOf(const Job &job, const QString &name)
+const Layer *layerOf(const Job &job, const QString &name)
 {
     const auto layer = std::find_if(job.layers.constBegin(), job.layers.constEnd(),
                                     [&name](const Layer &candidate) { return candidate.name == name; });
-    Q_ASSERT(layer != job.layers.constEnd());
-    return *layer;
+    return layer == job.layers.constEnd() ? nullptr : &*layer;
 }
 
-const Job &sampleJob()
+int featureCount(const Layer &layer)
 {
-    static const Job job = BoardBuilder().build();
-    return job;
+    return layer.tracks.size() + layer.pads.size() + layer.drills.size();
+}
+
+Job readJob(const QString &name)
+{
+    if (name == QLatin1String("control-2l"))
+        return BoardBuilder({60, 40}).build(true);
+    if (name == QLatin1String("preamp-2l"))
+        return BoardBuilder({46, 40}).build(false);
+    if (name == QLatin1String("sensor-2l"))
+        return BoardBuilder({52, 40}).build(false);
+    return BoardBuilder({50, 30}).buildEmpty();
+}
+
+Step readStep(const QString &jobName, const QString &stepName)
+{
+    Step step{readJob(jobName), {{0, 0}}, {}};
+    step.area = step.job.board;
+    if (stepName != QLatin1String("panel"))
+        return step;
+
+    constexpr double gap = 4;
+    const QPointF right(step.job.board.width() + gap, 0);
+    const QPointF up(0, step.job.board.height() + gap);
+    step.boards = {{0, 0}, right, up, right + up};
+    step.area.setSize({2 * step.job.board.width() + gap, 2 * step.job.board.height() + gap});
+    step.area.adjust(-gap, -gap, gap, gap);
+    return step;
 }
 
 const QVector<Part> &sampleParts()
 {
-    const QStringList steps = sampleJob().steps;
     static const QVector<Part> parts{
-        {QStringLiteral("PN-1042"), QStringLiteral("B"), QStringLiteral("Northfield"), sampleJob().name,
-         steps, 2, 1.6, QStringLiteral("ENIG")},
+        {QStringLiteral("PN-1042"), QStringLiteral("B"), QStringLiteral("Northfield"),
+         QStringLiteral("control-2l"), 2, 1.6, QStringLiteral("ENIG")},
         {QStringLiteral("PN-1057"), QStringLiteral("A"), QStringLiteral("Harbour Instruments"),
-         QStringLiteral("sensor-4l"), steps, 4, 1.0, QStringLiteral("Immersion tin")},
+         QStringLiteral("sensor-2l"), 2, 1.0, QStringLiteral("Immersion tin")},
         {QStringLiteral("PN-1063"), QStringLiteral("C"), QStringLiteral("Northfield"),
-         QStringLiteral("panel-12l"), steps, 12, 2.4, QStringLiteral("ENIG")},
+         QStringLiteral("panel-12l"), 12, 2.4, QStringLiteral("ENIG")},
         {QStringLiteral("PN-1071"), QStringLiteral("A"), QStringLiteral("Lindgren Audio"),
-         QStringLiteral("preamp-2l"), steps, 2, 1.6, QStringLiteral("HASL lead-free")},
+         QStringLiteral("preamp-2l"), 2, 1.6, QStringLiteral("HASL lead-free")},
     };
     return parts;
 }

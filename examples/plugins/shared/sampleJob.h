@@ -4,12 +4,11 @@
 #include <QtCore/QRectF>
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
-#include <QtCore/QStringList>
 #include <QtCore/QVector>
 #include <QtGui/QColor>
 
 /**
- * The job that the example plug-ins show. Lengths are millimetres, y points up, and the origin is the
+ * The jobs that the example plug-ins show. Lengths are millimetres, y points up, and the origin is the
  * lower left corner of the board.
  */
 
@@ -45,17 +44,26 @@ struct Layer
 
 struct Job
 {
-    QString name;
-    QStringList steps;
     QRectF board;
     QVector<Layer> layers;
 };
 
-/// The layer of this name, which the job must have.
-const Layer &layerOf(const Job &job, const QString &name);
+/// A step shows the job's board once or, on a panel, several times.
+struct Step
+{
+    Job job;
+    QVector<QPointF> boards;
+    QRectF area;
+};
 
-/// A two-layer board around one controller.
-const Job &sampleJob();
+/// The layer of this name, or null.
+const Layer *layerOf(const Job &job, const QString &name);
+
+int featureCount(const Layer &layer);
+
+/// Two-layer boards around one controller. A job of any other name is a board with nothing on it.
+Job readJob(const QString &name);
+Step readStep(const QString &jobName, const QString &stepName);
 
 /// A line of the list of part numbers.
 struct Part
@@ -64,7 +72,6 @@ struct Part
     QString revision;
     QString customer;
     QString jobName;
-    QStringList steps;
     int layerCount;
     double thickness;
     QString finish;

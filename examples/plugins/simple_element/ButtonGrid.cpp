@@ -37,5 +37,5 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
     const auto *const grid = static_cast<QGridLayout *>(element);
     const QList<QAction *> actions = grid->findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly);
     for (QAction *const action : actions)
-        action->setToolTip(parameter(message, "Text").toString());
+        action->setToolTip(textParameter(message, "Text"));
 }

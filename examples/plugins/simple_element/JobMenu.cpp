@@ -15,6 +15,9 @@ extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent, const QString &te
 
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
+    auto *const menu = static_cast<QMenu *>(element);
     if (message.type == MessageType::ShowText)
-        showMessageEntry(static_cast<QMenu *>(element), parameter(message, "Text").toString());
+        showMessageEntry(menu, textParameter(message, "Text"));
+    else if (message.type == MessageType::MatrixJobRenamed)
+        menu->actions().first()->setText(textParameter(message, "NewJobName"));
 }

@@ -14,5 +14,5 @@ extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent)
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
     if (message.type == MessageType::ShowText)
-        showMessageEntry(static_cast<QMenu *>(element), parameter(message, "Text").toString());
+        showMessageEntry(static_cast<QMenu *>(element), textParameter(message, "Text"));
 }

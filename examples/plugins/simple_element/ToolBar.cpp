@@ -15,5 +15,5 @@ extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent)
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
     if (message.type == MessageType::ShowText)
-        showMessageEntry(static_cast<PLUGIN_ELEMENT *>(element), parameter(message, "Text").toString());
+        showMessageEntry(static_cast<PLUGIN_ELEMENT *>(element), textParameter(message, "Text"));
 }

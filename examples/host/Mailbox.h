@@ -1,0 +1,31 @@
+#pragma once
+
+#include <PluginMetaData.h>
+
+#include <QtCore/QObject>
+
+class QTpluginsManger4CAM;
+
+/**
+ * Takes what an element or a frame sends, and hands it to the manager.
+ *
+ * Plug-ins do not know the manager. Those that send messages have a signal
+ * `sendMsgToManager(PluginMetaData)`, and the host knows where the sender lives.
+ */
+class Mailbox : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Gives `sender`, when it has the signal, a mailbox that lives as long as it does.
+    static void giveTo(QObject *sender, QWidget *frame, QTpluginsManger4CAM *manager);
+
+private slots:
+    void forward(const PluginMetaData &message);
+
+private:
+    Mailbox(QObject *sender, QWidget *frame, QTpluginsManger4CAM *manager);
+
+    QWidget *const m_frame;
+    QTpluginsManger4CAM *const m_manager;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <messages.h>
+
+/// A message from the host itself.
+inline PluginMetaData hostMessage(const QString &destination, qint32 type,
+                                  const QMap<QString, QVariant> &data)
+{
+    return makeMessage("pluginManger-host", destination.toLatin1().constData(), type, data);
+}
