@@ -11,6 +11,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QException>
 #include <QtCore/QLibrary>
+#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QGridLayout>
@@ -790,7 +791,8 @@ QWidget *QTpluginsManger4CAM::registerStepFrame(QWidget *parent, const std::stri
                                                 const std::string &name, const std::string &key,
                                                 const PluginMetaData &message)
 {
-    QLibrary *const editor = plugin(QString::fromLatin1(FrameFactories::graphicEditor.library));
+    // The factory may load the set anew, and the loader goes then.
+    const QPointer<QLibrary> editor = plugin(QString::fromLatin1(FrameFactories::graphicEditor.library));
     const QFunctionPointer factory = resolveFactory(FrameFactories::graphicEditor);
     if (!factory)
         return nullptr;
