@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace LogTexts = PluginMangerInternal::LogTexts;
 
@@ -176,7 +177,7 @@ void QTpluginsManger::recMegfromPlugin(PluginMetaData msg)
     if (!loader)
         return;
     if (auto *const plugin = dynamic_cast<PluginInterface *>(loader->instance()))
-        plugin->recMsgFromManager(msg);
+        plugin->recMsgFromManager(std::move(msg));
 }
 
 QTpluginsManger::QTpluginsManger() = default;

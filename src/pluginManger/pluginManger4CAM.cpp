@@ -89,15 +89,11 @@ QString guideNameOf(const QString &job)
     return job + QLatin1String(FrameNames::guideSuffix);
 }
 
-QString nameOf(const RegisterRecord &record)
+/// Tells whether `job` is what stands before the first `mark` in the name of a frame, or the whole name where
+/// there is none.
+bool isOfJob(const RegisterRecord &frame, const std::string &job, const char *mark)
 {
-    return QString::fromStdString(record.name);
-}
-
-/// What stands before the first `mark` in the name of a frame; the whole name where there is none.
-QString jobOf(const RegisterRecord &frame, const QString &mark)
-{
-    return nameOf(frame).split(mark).first();
+    return frame.name.compare(0, frame.name.find(mark), job) == 0;
 }
 
 bool isWildcard(const RegisterRecord &frame)
@@ -143,16 +139,20 @@ void showFailure(const char *text, Operation operation)
 
 /// Tells by its name whether a graphic frame of the job `job` is to be updated. Reading `data` adds to it the
 /// keys that it lacks, which receivers find in their copy.
-std::function<bool(const QString &)> graphicFramesToUpdate(const QString &job, MessageData &data)
+std::function<bool(const std::string &)> graphicFramesToUpdate(const QString &job, MessageData &data)
 {
-    const QString prefix = job + separator();
+    const std::string prefix = job.toStdString() + FrameNames::separator;
     const QVariant step = data[DataKey::changeStepName()];
     if (step.isValid())
-        return [name = prefix + step.toString()](const QString &frame) { return frame == name; };
+        return [name = prefix + step.toString().toStdString()](const std::string &frame) {
+            return frame == name;
+        };
     // The second key is read, and so added, only where the first is there.
     if (data[DataKey::oldJobName()].isValid() && data[DataKey::newJobName()].isValid())
-        return [prefix](const QString &frame) { return frame != prefix && frame.contains(prefix); };
-    return [prefix](const QString &frame) { return frame.contains(prefix); };
+        return [prefix](const std::string &frame) {
+            return frame != prefix && frame.find(prefix) != std::string::npos;
+        };
+    return [prefix](const std::string &frame) { return frame.find(prefix) != std::string::npos; };
 }
 
 QString configFile(const QString &fileName)
@@ -510,7 +510,7 @@ void QTpluginsManger4CAM::pluginTransmitData(PluginMetaData meta)
             const QString step = meta.data[DataKey::step()].toString();
             deliverIntoFrame(registry().findRecord((job + separator() + step).toStdString(), root), meta);
         } else if (dstType == QLatin1String(RecordKind::engineerRoot)) {
-            deliverToChildrenNamed(root, meta);
+            deliverToElementsNamed(root, meta);
         } else if (dstType == QLatin1String(RecordKind::matrix)) {
             const QString job = meta.data[DataKey::jobName()].toString();
             deliverIntoFrame(registry().findRecord(job.toStdString(), root), meta);
@@ -557,9 +557,10 @@ void QTpluginsManger4CAM::Eda_setTransmitData(const QString &dstType, const QStr
         if (dstType == QLatin1String(RecordKind::graphic))
             frames = registry().collectFrames(RecordKind::graphic);
         if (frames.empty())
-            deliverToChildrenNamed(getRoot(), meta);
+            deliverToElementsNamed(getRoot(), meta);
+        const std::string job = jobName.toStdString();
         for (const RegisterRecord &frame : frames) {
-            if (jobOf(frame, separator()) == jobName)
+            if (isOfJob(frame, job, FrameNames::separator))
                 deliverTo(meta.dst, frame.object, meta);
         }
     });
@@ -580,9 +581,10 @@ void QTpluginsManger4CAM::setInterfaceTexts(const QString &dstType, const QStrin
                 frames = registry().collectFrames(kind);
         }
         if (frames.empty())
-            deliverToChildrenNamed(getRoot(), meta);
+            deliverToElementsNamed(getRoot(), meta);
+        const std::string job = text.toStdString();
         for (const RegisterRecord &frame : frames) {
-            if (jobOf(frame, separator()) == text || isWildcard(frame))
+            if (isOfJob(frame, job, FrameNames::separator) || isWildcard(frame))
                 deliverTo(meta.dst, frame.object, meta);
         }
     });
@@ -598,7 +600,7 @@ void QTpluginsManger4CAM::ChangeCompareJobInfo(PluginMetaData meta)
 {
     showFailure("updateGraphic Error.", [&] {
         for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic))
-            deliverToChildrenContaining(frame.object, meta);
+            deliverToElementsContaining(frame.object, meta);
     });
 }
 
@@ -637,25 +639,26 @@ void QTpluginsManger4CAM::Ov_ChangeStepName(const QString &jobName, const QStrin
 
 void QTpluginsManger4CAM::Ov_DeleteTreeNode(const QString &nodeType, const QString &name)
 {
+    const std::string frameName = name.toStdString();
     if (nodeType == QLatin1String(RecordKind::matrix)) {
         const std::vector<RegisterRecord> matrixFrames = registry().collectFrames(RecordKind::matrix);
         const std::vector<RegisterRecord> graphicFrames = registry().collectFrames(RecordKind::graphic);
         const std::vector<RegisterRecord> guideFrames = registry().collectFrames(RecordKind::guide);
         for (const RegisterRecord &frame : matrixFrames) {
-            if (nameOf(frame) == name)
+            if (frame.name == frameName)
                 deleteFrame(frame.object, FrameFactories::matrix);
         }
         for (const RegisterRecord &frame : graphicFrames) {
-            if (jobOf(frame, separator()) == name)
+            if (isOfJob(frame, frameName, FrameNames::separator))
                 deleteFrame(frame.object, FrameFactories::graphicEditor);
         }
         for (const RegisterRecord &frame : guideFrames) {
-            if (jobOf(frame, QStringLiteral("|")) == name)
+            if (isOfJob(frame, frameName, "|"))
                 deleteFrame(frame.object, FrameFactories::camGuide);
         }
     } else if (nodeType == QLatin1String(RecordKind::graphic)) {
         for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic)) {
-            if (nameOf(frame) == name)
+            if (frame.name == frameName)
                 deleteFrame(frame.object, FrameFactories::graphicEditor);
         }
     }
@@ -674,7 +677,7 @@ void QTpluginsManger4CAM::Ov_UpdateJob(const QString &name, PluginMetaData meta)
 
 void QTpluginsManger4CAM::updateEngieer(const QString &, PluginMetaData meta)
 {
-    showFailure("updateEngieer Error.", [&] { deliverToChildrenNamed(getRoot(), meta); });
+    showFailure("updateEngieer Error.", [&] { deliverToElementsNamed(getRoot(), meta); });
 }
 
 void QTpluginsManger4CAM::updateGraphic(const QString &name, PluginMetaData meta)
@@ -682,8 +685,8 @@ void QTpluginsManger4CAM::updateGraphic(const QString &name, PluginMetaData meta
     showFailure("updateGraphic Error.", [&] {
         const auto matches = graphicFramesToUpdate(name, meta.data);
         for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic)) {
-            if (isWildcard(frame) || matches(nameOf(frame)))
-                deliverToChildrenContaining(frame.object, meta);
+            if (isWildcard(frame) || matches(frame.name))
+                deliverToElementsContaining(frame.object, meta);
         }
     });
 }
@@ -691,8 +694,9 @@ void QTpluginsManger4CAM::updateGraphic(const QString &name, PluginMetaData meta
 void QTpluginsManger4CAM::updateGuide(const QString &name, PluginMetaData meta)
 {
     showFailure("updateMatrix Error.", [&] {
+        const std::string frameName = guideNameOf(name).toStdString();
         for (const RegisterRecord &frame : registry().collectFrames(RecordKind::guide)) {
-            if (nameOf(frame) == guideNameOf(name))
+            if (frame.name == frameName)
                 deliverTo(meta.dst, frame.object, meta);
         }
     });
@@ -701,9 +705,10 @@ void QTpluginsManger4CAM::updateGuide(const QString &name, PluginMetaData meta)
 void QTpluginsManger4CAM::updateMatrix(const QString &name, PluginMetaData meta)
 {
     showFailure("updateMatrix Error.", [&] {
+        const std::string frameName = name.toStdString();
         for (const RegisterRecord &frame : registry().collectFrames(RecordKind::matrix)) {
-            if (nameOf(frame) == name)
-                deliverToChildrenContaining(frame.object, meta);
+            if (frame.name == frameName)
+                deliverToElementsContaining(frame.object, meta);
         }
     });
 }
@@ -850,21 +855,18 @@ bool QTpluginsManger4CAM::deliverTo(const QString &library, void *target, const 
 void QTpluginsManger4CAM::deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message)
 {
     if (!frame.isEmpty())
-        deliverToChildrenNamed(frame.object, message);
+        deliverToElementsNamed(frame.object, message);
 }
 
-void QTpluginsManger4CAM::deliverToChildrenNamed(void *parent, const PluginMetaData &message)
+void QTpluginsManger4CAM::deliverToElementsNamed(void *parent, const PluginMetaData &message)
 {
-    for (const RegisterRecord &child : registry().collectChildren(parent)) {
-        if (child.type == RecordKind::plugin && nameOf(child) == message.dst)
-            deliverTo(message.dst, child.object, message);
-    }
+    for (const RegisterRecord &element : registry().collectElementsNamed(parent, message.dst.toStdString()))
+        deliverTo(message.dst, element.object, message);
 }
 
-void QTpluginsManger4CAM::deliverToChildrenContaining(void *parent, const PluginMetaData &message)
+void QTpluginsManger4CAM::deliverToElementsContaining(void *parent, const PluginMetaData &message)
 {
-    for (const RegisterRecord &child : registry().collectChildren(parent)) {
-        if (child.type == RecordKind::plugin && nameOf(child).contains(message.dst))
-            deliverTo(message.dst, child.object, message);
-    }
+    for (const RegisterRecord &element :
+         registry().collectElementsContaining(parent, message.dst.toStdString()))
+        deliverTo(message.dst, element.object, message);
 }

@@ -365,8 +365,8 @@ private:
 
     bool deliverTo(const QString &library, void *target, const PluginMetaData &message) const;
     void deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message);
-    void deliverToChildrenNamed(void *parent, const PluginMetaData &message);
-    void deliverToChildrenContaining(void *parent, const PluginMetaData &message);
+    void deliverToElementsNamed(void *parent, const PluginMetaData &message);
+    void deliverToElementsContaining(void *parent, const PluginMetaData &message);
 
     QTPluginsMangerPrivate m_private;
     std::vector<RegisterRecord> m_registerList;

@@ -99,6 +99,22 @@ std::vector<RegisterRecord> Registry::collectChildren(const void *parent) const
     return allOf(m_records, [&](const RegisterRecord &record) { return record.parent == parent; });
 }
 
+std::vector<RegisterRecord> Registry::collectElementsNamed(const void *parent, const std::string &name) const
+{
+    return allOf(m_records, [&](const RegisterRecord &record) {
+        return record.parent == parent && record.type == RecordKind::plugin && record.name == name;
+    });
+}
+
+std::vector<RegisterRecord> Registry::collectElementsContaining(const void *parent,
+                                                                const std::string &text) const
+{
+    return allOf(m_records, [&](const RegisterRecord &record) {
+        return record.parent == parent && record.type == RecordKind::plugin
+               && record.name.find(text) != std::string::npos;
+    });
+}
+
 void Registry::appendRecord(const RegisterRecord &record)
 {
     m_records.push_back(record);

@@ -36,6 +36,9 @@ public:
 
     std::vector<RegisterRecord> collectFrames(const std::string &kind) const;
     std::vector<RegisterRecord> collectChildren(const void *parent) const;
+    /// The children that are elements and whose name equals, or contains, a text.
+    std::vector<RegisterRecord> collectElementsNamed(const void *parent, const std::string &name) const;
+    std::vector<RegisterRecord> collectElementsContaining(const void *parent, const std::string &text) const;
 
     void appendRecord(const RegisterRecord &record);
 
