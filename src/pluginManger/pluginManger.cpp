@@ -130,6 +130,7 @@ void QTpluginsManger::getParentWidget(QWidget *parent)
 
 bool QTpluginsManger::loadAllPlugins()
 {
+    forgetRootObjects();
     readPluginConfig(m_private, QDir::currentPath() + QStringLiteral("/pluginconfig/pluginconfig.json"));
     // A copy, since a failed load shows a message box, and whatever runs meanwhile may read in more names.
     const QHash<QString, QVariant> names = m_private.m_names;
@@ -141,17 +142,19 @@ bool QTpluginsManger::loadAllPlugins()
 
 bool QTpluginsManger::initAllPlugins()
 {
-    const QHash<QString, QPluginLoader *> loaders = m_private.m_loaders;
-    for (auto entry = loaders.constBegin(); entry != loaders.constEnd(); ++entry) {
-        if (!entry.value())
+    // Looked up anew for each path: a tool that is being asked may have the plug-ins loaded again.
+    const QStringList paths = m_private.m_loaders.keys();
+    for (const QString &path : paths) {
+        qDebug() << path;
+        QPluginLoader *const loader = m_private.m_loaders.value(path);
+        if (!loader)
             continue;
-        qDebug() << entry.key();
         const auto tool =
             std::find_if(std::begin(desktopTools), std::end(desktopTools),
-                         [&](const DesktopTool &row) { return entry.key() == QLatin1String(row.library); });
+                         [&](const DesktopTool &row) { return path == QLatin1String(row.library); });
         if (tool == std::end(desktopTools))
             continue;
-        QObject *const root = entry.value()->instance();
+        QObject *const root = loader->instance();
         this->*tool->root = root;
         tool->take(*this, root, tool->library);
         if (tool->debugText)
@@ -178,6 +181,19 @@ void QTpluginsManger::recMegfromPlugin(PluginMetaData msg)
         return;
     if (auto *const plugin = dynamic_cast<PluginInterface *>(loader->instance()))
         plugin->recMsgFromManager(std::move(msg));
+}
+
+/// Loading again deletes the root objects, and with them what is only borrowed from them.
+void QTpluginsManger::forgetRootObjects()
+{
+    for (const DesktopTool &tool : desktopTools)
+        this->*tool.root = nullptr;
+    m_fileProcess = nullptr;
+    m_menuBar = nullptr;
+    m_toolbarEdit = nullptr;
+    m_processBar = nullptr;
+    for (QList<QAction *> *const actions : {&m_editActions, &m_selectActions, &m_moveActions, &m_toolActions})
+        actions->clear();
 }
 
 QTpluginsManger::QTpluginsManger() = default;

@@ -40,13 +40,18 @@ public:
      * Loads the Qt plug-ins listed in "pluginconfig/pluginconfig.json" below the current directory. Always
      * returns true: a plug-in that does not load is logged, shown in a message box, and does not keep the
      * others from loading. Qt looks for the plug-ins in QCoreApplication::libraryPaths().
+     *
+     * A second call unloads each plug-in and loads it again. That deletes the root objects, so the members
+     * that hold them, their interfaces and their actions are null and empty until initAllPlugins() is called
+     * again; take the actions out of the window before, and do not call this from within a plug-in.
      */
     bool loadAllPlugins();
 
     /**
      * Asks the ten desktop tools, as far as they are loaded, for what they build, and keeps it in the members
      * below. Always returns true. A tool that does not implement its interface ends the process with a
-     * message that names both.
+     * message that names both; only the progress display may be missing. Called once for each
+     * loadAllPlugins(): every further call has everything built again.
      */
     bool initAllPlugins();
 
@@ -93,9 +98,9 @@ public:
     QWidget *m_viewResult = nullptr;
 
     /**
-     * The progress display, which is the menu bar's object. Null when that does not implement it, and also
-     * when "ProcessBar_Process.dll" is met before the menu bar: plug-ins are met in the order of a hash
-     * table, which differs from run to run.
+     * The progress display, which is the menu bar's object. Null when that does not implement it, when there
+     * is no "ProcessBar_Process.dll", and also when that is met before the menu bar: plug-ins are met in the
+     * order of a hash table, which differs from run to run.
      */
     ProcessBar_Process *m_processBar = nullptr;
 
@@ -123,6 +128,8 @@ public slots:
 private:
     QTpluginsManger();
     ~QTpluginsManger() override;
+
+    void forgetRootObjects();
 
     QTPluginsMangerPrivate m_private;
 

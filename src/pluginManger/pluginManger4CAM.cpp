@@ -30,8 +30,10 @@ using namespace PluginMangerInternal;
 
 namespace {
 
-/// Makes a frame of the graphic editor for a job and a step of it.
-using StepFrameFactory = void *(QWidget *, const QString &, const QString &);
+using ElementFactoryFunction = void *(QWidget *parent);
+using TextElementFactoryFunction = void *(QWidget *parent, const QString &text);
+using FrameFactoryFunction = void *(QWidget *parent);
+using StepFrameFactoryFunction = void *(QWidget *parent, const QString &job, const QString &step);
 
 /// The codes that the manager knows or sends; all others pass through unexamined.
 namespace MessageType {
@@ -116,6 +118,26 @@ PluginMetaData makeEditorMessage(qint32 type, const MessageData &data = {})
 {
     const QString editor = QString::fromLatin1(FrameFactories::graphicEditor.library);
     return makeMessage(editor, editor, type, data);
+}
+
+/// What the matrix and guide editors are told about a new frame: the job stands in the place of the receiver.
+PluginMetaData makeJobMessage(const std::string &job, qint32 type)
+{
+    const QString jobName = QString::fromStdString(job);
+    return makeMessage({}, jobName, type, {{DataKey::jobName(), jobName}});
+}
+
+bool isFrameKind(const QString &kind)
+{
+    return kind == QLatin1String(RecordKind::graphic) || kind == QLatin1String(RecordKind::matrix)
+           || kind == QLatin1String(RecordKind::guide);
+}
+
+bool isEditor(const QString &library)
+{
+    return library == QLatin1String(FrameFactories::matrix.library)
+           || library == QLatin1String(FrameFactories::graphicEditor.library)
+           || library == QLatin1String(FrameFactories::camGuide.library);
 }
 
 /// The sender or receiver of a message as the log names it.
@@ -428,36 +450,49 @@ QWidget *QTpluginsManger4CAM::Ov_RegisterGraphicFramework4Quorel(QWidget *parent
                                                                  const std::string &step)
 {
     const std::string name = job + FrameNames::separator + step;
-    const MessageData data{{DataKey::jobName(), QString::fromStdString(job)},
-                           {DataKey::step(), QString::fromStdString(step)}};
-    return registerStepFrame(parent, job, step, registry().findFrame(RecordKind::graphic, name), name, {},
-                             makeEditorMessage(MessageType::frameOpened, data));
+    const QString jobName = QString::fromStdString(job);
+    const QString stepName = QString::fromStdString(step);
+    return registerStepFrame(
+        parent, jobName, stepName, {RecordKind::graphic, name, nullptr, nullptr},
+        [&] { return registry().findFrame(RecordKind::graphic, name); },
+        makeEditorMessage(MessageType::frameOpened,
+                          {{DataKey::jobName(), jobName}, {DataKey::step(), stepName}}));
 }
 
 QWidget *QTpluginsManger4CAM::Ov_RegisterDFMGraphicFramework4Quorel(QWidget *parent, const std::string &job,
                                                                     const std::string &step)
 {
-    const std::string key = job + FrameNames::separator + step;
-    return registerStepFrame(parent, job, step, registry().findGraphicFrameByKey(key), FrameNames::wildcard,
-                             key, makeEditorMessage(MessageType::dfmFrameOpened));
+    RegisterRecord record(RecordKind::graphic, FrameNames::wildcard, nullptr, nullptr);
+    record.key = job + FrameNames::separator + step;
+    return registerStepFrame(
+        parent, QString::fromStdString(job), QString::fromStdString(step), record,
+        [&] { return registry().findGraphicFrameByKey(record.key); },
+        makeEditorMessage(MessageType::dfmFrameOpened));
 }
 
 QWidget *QTpluginsManger4CAM::Ov_RegisterMatrixFramework(QWidget *parent, const std::string &job)
 {
-    return registerJobFrame(FrameFactories::matrix, parent, registry().findFrame(RecordKind::matrix, job),
-                            {RecordKind::matrix, job, nullptr, getRoot()}, job, MessageType::frameOpened);
+    return registerRootFrame(FrameFactories::matrix, RecordKind::matrix, parent, job,
+                             MessageType::frameOpened);
 }
 
 QWidget *QTpluginsManger4CAM::Ov_RegisterGuideFramework(QWidget *parent, const std::string &job)
 {
-    return registerJobFrame(FrameFactories::camGuide, parent, registry().findFrame(RecordKind::guide, job),
-                            {RecordKind::guide, job, nullptr, getRoot()}, job, MessageType::guideOpened);
+    return registerRootFrame(FrameFactories::camGuide, RecordKind::guide, parent, job,
+                             MessageType::guideOpened);
 }
 
 QWidget *QTpluginsManger4CAM::Ov_Register_CamGuide(std::string name, QWidget *parent, const std::string &job)
 {
-    return registerJobFrame(FrameFactories::camGuide, parent, registry().findRecord(name, parent),
-                            {RecordKind::plugin, name, nullptr, parent}, job, MessageType::guideOpened);
+    const PluginMetaData message = makeJobMessage(job, MessageType::guideOpened);
+    return registerFrame(
+        FrameFactories::camGuide, [&] { return registry().findRecord(name, parent); },
+        [&](QFunctionPointer factory) {
+            void *const element = functionAs<FrameFactoryFunction>(factory)(parent);
+            registry().appendRecord({RecordKind::plugin, name, element, parent});
+            deliverTo(QLatin1String(FrameFactories::camGuide.library), element, message);
+            return element;
+        });
 }
 
 void QTpluginsManger4CAM::Ov_UnRegisterGraphicFramework4Quorel(const std::string &job,
@@ -527,13 +562,8 @@ void QTpluginsManger4CAM::pluginTransmitData(PluginMetaData meta)
 void QTpluginsManger4CAM::transmitDataToFramework(void *frame, const PluginMetaData &meta)
 {
     showFailure("transmitDataToFramework Error.", [&] {
-        for (const FrameFactory &editor :
-             {FrameFactories::matrix, FrameFactories::graphicEditor, FrameFactories::camGuide}) {
-            if (meta.dst == QLatin1String(editor.library)) {
-                deliverTo(meta.dst, frame, meta);
-                return;
-            }
-        }
+        if (isEditor(meta.dst))
+            deliverTo(meta.dst, frame, meta);
     });
 }
 
@@ -558,11 +588,13 @@ void QTpluginsManger4CAM::Eda_setTransmitData(const QString &dstType, const QStr
             frames = registry().collectFrames(RecordKind::graphic);
         if (frames.empty())
             deliverToElementsNamed(getRoot(), meta);
-        const std::string job = jobName.toStdString();
-        for (const RegisterRecord &frame : frames) {
-            if (isOfJob(frame, job, FrameNames::separator))
-                deliverTo(meta.dst, frame.object, meta);
-        }
+        else
+            deliverToFrames(
+                frames,
+                [job = jobName.toStdString()](const RegisterRecord &frame) {
+                    return isOfJob(frame, job, FrameNames::separator);
+                },
+                meta);
     });
 }
 
@@ -576,17 +608,17 @@ void QTpluginsManger4CAM::setInterfaceTexts(const QString &dstType, const QStrin
 {
     showFailure("updateMatrix Error.", [&] {
         std::vector<RegisterRecord> frames;
-        for (const char *kind : {RecordKind::graphic, RecordKind::matrix, RecordKind::guide}) {
-            if (dstType == QLatin1String(kind))
-                frames = registry().collectFrames(kind);
-        }
+        if (isFrameKind(dstType))
+            frames = registry().collectFrames(dstType.toStdString());
         if (frames.empty())
             deliverToElementsNamed(getRoot(), meta);
-        const std::string job = text.toStdString();
-        for (const RegisterRecord &frame : frames) {
-            if (isOfJob(frame, job, FrameNames::separator) || isWildcard(frame))
-                deliverTo(meta.dst, frame.object, meta);
-        }
+        else
+            deliverToFrames(
+                frames,
+                [job = text.toStdString()](const RegisterRecord &frame) {
+                    return isOfJob(frame, job, FrameNames::separator) || isWildcard(frame);
+                },
+                meta);
     });
 }
 
@@ -608,6 +640,7 @@ void QTpluginsManger4CAM::OV_ChangeJobNameAndUpdateJob(const QString &oldJobName
 {
     const std::string oldName = oldJobName.toStdString();
     const std::string newName = newJobName.toStdString();
+    const QString newJob = newJobName; // The caller's may change while plug-ins are told.
     registry().renameFrames(RecordKind::matrix, oldName, newName);
     registry().renameFrames(RecordKind::guide, oldName, newName);
 
@@ -621,12 +654,12 @@ void QTpluginsManger4CAM::OV_ChangeJobNameAndUpdateJob(const QString &oldJobName
         const QString editor = QString::fromLatin1(FrameFactories::matrix.library);
         deliverTo(editor, matrix.object, makeMessage({}, editor, MessageType::matrixRenamed, data));
     }
-    updateMatrix(newJobName,
+    updateMatrix(newJob,
                  makeMessage({}, QStringLiteral("Matrix.dll"), MessageType::matrixRenamed, newNameOnly));
-    updateGraphic(newJobName,
+    updateGraphic(newJob,
                   makeMessage({}, QStringLiteral("Graphic_JobList.dll"), MessageType::jobRenamed, bothNames));
-    updateGuide(newJobName, makeMessage({}, QString::fromLatin1(FrameFactories::camGuide.library),
-                                        MessageType::jobRenamed, bothNames));
+    updateGuide(newJob, makeMessage({}, QString::fromLatin1(FrameFactories::camGuide.library),
+                                    MessageType::jobRenamed, bothNames));
 }
 
 void QTpluginsManger4CAM::Ov_ChangeStepName(const QString &jobName, const QString &oldStepName,
@@ -639,28 +672,24 @@ void QTpluginsManger4CAM::Ov_ChangeStepName(const QString &jobName, const QStrin
 
 void QTpluginsManger4CAM::Ov_DeleteTreeNode(const QString &nodeType, const QString &name)
 {
-    const std::string frameName = name.toStdString();
+    const auto isNamed = [name = name.toStdString()](const RegisterRecord &frame) {
+        return frame.name == name;
+    };
     if (nodeType == QLatin1String(RecordKind::matrix)) {
         const std::vector<RegisterRecord> matrixFrames = registry().collectFrames(RecordKind::matrix);
         const std::vector<RegisterRecord> graphicFrames = registry().collectFrames(RecordKind::graphic);
         const std::vector<RegisterRecord> guideFrames = registry().collectFrames(RecordKind::guide);
-        for (const RegisterRecord &frame : matrixFrames) {
-            if (frame.name == frameName)
-                deleteFrame(frame.object, FrameFactories::matrix);
-        }
-        for (const RegisterRecord &frame : graphicFrames) {
-            if (isOfJob(frame, frameName, FrameNames::separator))
-                deleteFrame(frame.object, FrameFactories::graphicEditor);
-        }
-        for (const RegisterRecord &frame : guideFrames) {
-            if (isOfJob(frame, frameName, "|"))
-                deleteFrame(frame.object, FrameFactories::camGuide);
-        }
+        const std::string job = name.toStdString();
+        deleteFrames(matrixFrames, isNamed, FrameFactories::matrix);
+        deleteFrames(
+            graphicFrames,
+            [&](const RegisterRecord &frame) { return isOfJob(frame, job, FrameNames::separator); },
+            FrameFactories::graphicEditor);
+        deleteFrames(
+            guideFrames, [&](const RegisterRecord &frame) { return isOfJob(frame, job, "|"); },
+            FrameFactories::camGuide);
     } else if (nodeType == QLatin1String(RecordKind::graphic)) {
-        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::graphic)) {
-            if (frame.name == frameName)
-                deleteFrame(frame.object, FrameFactories::graphicEditor);
-        }
+        deleteFrames(registry().collectFrames(RecordKind::graphic), isNamed, FrameFactories::graphicEditor);
     }
 }
 
@@ -695,10 +724,9 @@ void QTpluginsManger4CAM::updateGuide(const QString &name, PluginMetaData meta)
 {
     showFailure("updateMatrix Error.", [&] {
         const std::string frameName = guideNameOf(name).toStdString();
-        for (const RegisterRecord &frame : registry().collectFrames(RecordKind::guide)) {
-            if (frame.name == frameName)
-                deliverTo(meta.dst, frame.object, meta);
-        }
+        deliverToFrames(
+            registry().collectFrames(RecordKind::guide),
+            [&](const RegisterRecord &frame) { return frame.name == frameName; }, meta);
     });
 }
 
@@ -760,75 +788,66 @@ void *QTpluginsManger4CAM::registerElement(const QString &library, const char *s
     if (!record.isEmpty())
         return record.object;
 
-    void *const element = text ? functionAs<void *(QWidget *, const QString &)>(factory)(parent, *text)
-                               : functionAs<void *(QWidget *)>(factory)(parent);
+    void *const element = text ? functionAs<TextElementFactoryFunction>(factory)(parent, *text)
+                               : functionAs<ElementFactoryFunction>(factory)(parent);
     registry().appendRecord({RecordKind::plugin, name, element, parent});
     return element;
 }
 
-QFunctionPointer QTpluginsManger4CAM::resolveFactory(const FrameFactory &factory) const
+QWidget *QTpluginsManger4CAM::registerFrame(const FrameFactory &factory, const FindFrame &find,
+                                            const MakeFrame &make)
 {
     QLibrary *const library = plugin(QString::fromLatin1(factory.library));
-    return library ? library->resolve(factory.symbol) : nullptr;
+    const QFunctionPointer function = library ? library->resolve(factory.symbol) : nullptr;
+    if (!function)
+        return nullptr;
+    const RegisterRecord known = find();
+    return static_cast<QWidget *>(known.isEmpty() ? make(function) : known.object);
 }
 
-QWidget *QTpluginsManger4CAM::registerGraphicFrame(QWidget *parent, const std::string &name,
-                                                   const TellStep &tell)
+// The factories that these three call may call back, and change whatever the caller's references refer to.
+// So what is needed afterwards is copied before.
+
+QWidget *QTpluginsManger4CAM::registerGraphicFrame(QWidget *parent, std::string name, const TellStep &tell)
 {
-    const QFunctionPointer factory = resolveFactory(FrameFactories::graphicEditor);
-    if (!factory)
-        return nullptr;
-    const RegisterRecord known = registry().findFrame(RecordKind::graphic, name);
-    if (!known.isEmpty())
-        return static_cast<QWidget *>(known.object);
-    const QStringList parts = QString::fromStdString(name).split(separator());
-    if (parts.size() != 2)
-        return nullptr;
-
-    void *const frame = functionAs<StepFrameFactory>(factory)(parent, parts.at(0), parts.at(1));
-    registry().appendRecord({RecordKind::graphic, name, frame, getRoot()});
-    tell(frame, parts.at(0), parts.at(1));
-    return static_cast<QWidget *>(frame);
+    const auto make = [&](QFunctionPointer factory) -> void * {
+        const QStringList parts = QString::fromStdString(name).split(separator());
+        if (parts.size() != 2)
+            return nullptr;
+        void *const frame = functionAs<StepFrameFactoryFunction>(factory)(parent, parts.at(0), parts.at(1));
+        registry().appendRecord({RecordKind::graphic, name, frame, getRoot()});
+        tell(frame, parts.at(0), parts.at(1));
+        return frame;
+    };
+    return registerFrame(
+        FrameFactories::graphicEditor, [&] { return registry().findFrame(RecordKind::graphic, name); }, make);
 }
 
-QWidget *QTpluginsManger4CAM::registerStepFrame(QWidget *parent, const std::string &job,
-                                                const std::string &step, const RegisterRecord &known,
-                                                const std::string &name, const std::string &key,
+QWidget *QTpluginsManger4CAM::registerStepFrame(QWidget *parent, const QString &job, const QString &step,
+                                                RegisterRecord record, const FindFrame &find,
                                                 const PluginMetaData &message)
 {
-    // The factory may load the set anew, and the loader goes then.
+    // Told by the library that made it, or not at all: the factory may load the set anew.
     const QPointer<QLibrary> editor = plugin(QString::fromLatin1(FrameFactories::graphicEditor.library));
-    const QFunctionPointer factory = resolveFactory(FrameFactories::graphicEditor);
-    if (!factory)
-        return nullptr;
-    if (!known.isEmpty())
-        return static_cast<QWidget *>(known.object);
-
-    void *const frame = functionAs<StepFrameFactory>(factory)(parent, QString::fromStdString(job),
-                                                              QString::fromStdString(step));
-    RegisterRecord record(RecordKind::graphic, name, frame, nullptr);
-    record.key = key;
-    registry().appendRecord(record);
-    deliver(editor, frame, message);
-    return static_cast<QWidget *>(frame);
+    return registerFrame(FrameFactories::graphicEditor, find, [&](QFunctionPointer factory) {
+        record.object = functionAs<StepFrameFactoryFunction>(factory)(parent, job, step);
+        registry().appendRecord(record);
+        deliver(editor, record.object, message);
+        return record.object;
+    });
 }
 
-QWidget *QTpluginsManger4CAM::registerJobFrame(const FrameFactory &factory, QWidget *parent,
-                                               const RegisterRecord &known, RegisterRecord record,
-                                               const std::string &job, qint32 messageType)
+QWidget *QTpluginsManger4CAM::registerRootFrame(const FrameFactory &factory, const std::string &kind,
+                                                QWidget *parent, std::string job, qint32 messageType)
 {
-    const QFunctionPointer make = resolveFactory(factory);
-    if (!make)
-        return nullptr;
-    if (!known.isEmpty())
-        return static_cast<QWidget *>(known.object);
-
-    record.object = functionAs<void *(QWidget *)>(make)(parent);
-    registry().appendRecord(record);
-    const QString jobName = QString::fromStdString(job);
-    deliverTo(QLatin1String(factory.library), record.object,
-              makeMessage({}, jobName, messageType, {{DataKey::jobName(), jobName}}));
-    return static_cast<QWidget *>(record.object);
+    const auto make = [&](QFunctionPointer function) {
+        void *const frame = functionAs<FrameFactoryFunction>(function)(parent);
+        registry().appendRecord({kind, job, frame, getRoot()});
+        deliverTo(QLatin1String(factory.library), frame, makeJobMessage(job, messageType));
+        return frame;
+    };
+    return registerFrame(
+        factory, [&] { return registry().findFrame(kind, job); }, make);
 }
 
 void QTpluginsManger4CAM::closeUnregisteredFrame(void *frame)
@@ -840,16 +859,31 @@ void QTpluginsManger4CAM::closeUnregisteredFrame(void *frame)
               makeEditorMessage(MessageType::frameClosed));
 }
 
-void QTpluginsManger4CAM::deleteFrame(void *frame, const FrameFactory &editor)
+void QTpluginsManger4CAM::deleteFrames(const std::vector<RegisterRecord> &frames, const Belongs &belongs,
+                                       const FrameFactory &editor)
 {
-    registry().removeRecordsOf(frame);
-    transmitDataToFramework(frame,
-                            makeMessage({}, QString::fromLatin1(editor.library), MessageType::frameClosed));
+    const PluginMetaData message =
+        makeMessage({}, QString::fromLatin1(editor.library), MessageType::frameClosed);
+    for (const RegisterRecord &frame : frames) {
+        if (!belongs(frame))
+            continue;
+        registry().removeRecordsOf(frame.object);
+        transmitDataToFramework(frame.object, message);
+    }
 }
 
 bool QTpluginsManger4CAM::deliverTo(const QString &library, void *target, const PluginMetaData &message) const
 {
     return deliver(plugin(library), target, message);
+}
+
+void QTpluginsManger4CAM::deliverToFrames(const std::vector<RegisterRecord> &frames, const Belongs &belongs,
+                                          const PluginMetaData &message)
+{
+    for (const RegisterRecord &frame : frames) {
+        if (belongs(frame))
+            deliverTo(message.dst, frame.object, message);
+    }
 }
 
 void QTpluginsManger4CAM::deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message)

@@ -351,19 +351,24 @@ private:
                              QWidget *parent, const std::string &text);
     void *registerElement(const QString &library, const char *symbol, QWidget *parent, const QString *text);
 
+    using FindFrame = std::function<RegisterRecord()>;
+    using MakeFrame = std::function<void *(QFunctionPointer factory)>;
     using TellStep = std::function<void(void *frame, const QString &job, const QString &step)>;
-    QFunctionPointer resolveFactory(const PluginMangerInternal::FrameFactory &factory) const;
-    QWidget *registerGraphicFrame(QWidget *parent, const std::string &name, const TellStep &tell);
-    QWidget *registerStepFrame(QWidget *parent, const std::string &job, const std::string &step,
-                               const RegisterRecord &known, const std::string &name, const std::string &key,
-                               const PluginMetaData &message);
-    QWidget *registerJobFrame(const PluginMangerInternal::FrameFactory &factory, QWidget *parent,
-                              const RegisterRecord &known, RegisterRecord record, const std::string &job,
-                              qint32 messageType);
+    using Belongs = std::function<bool(const RegisterRecord &frame)>;
+    QWidget *registerFrame(const PluginMangerInternal::FrameFactory &factory, const FindFrame &find,
+                           const MakeFrame &make);
+    QWidget *registerGraphicFrame(QWidget *parent, std::string name, const TellStep &tell);
+    QWidget *registerStepFrame(QWidget *parent, const QString &job, const QString &step,
+                               RegisterRecord record, const FindFrame &find, const PluginMetaData &message);
+    QWidget *registerRootFrame(const PluginMangerInternal::FrameFactory &factory, const std::string &kind,
+                               QWidget *parent, std::string job, qint32 messageType);
     void closeUnregisteredFrame(void *frame);
-    void deleteFrame(void *frame, const PluginMangerInternal::FrameFactory &editor);
+    void deleteFrames(const std::vector<RegisterRecord> &frames, const Belongs &belongs,
+                      const PluginMangerInternal::FrameFactory &editor);
 
     bool deliverTo(const QString &library, void *target, const PluginMetaData &message) const;
+    void deliverToFrames(const std::vector<RegisterRecord> &frames, const Belongs &belongs,
+                         const PluginMetaData &message);
     void deliverIntoFrame(const RegisterRecord &frame, const PluginMetaData &message);
     void deliverToElementsNamed(void *parent, const PluginMetaData &message);
     void deliverToElementsContaining(void *parent, const PluginMetaData &message);

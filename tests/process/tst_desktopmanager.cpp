@@ -89,6 +89,11 @@ private slots:
     void namesAreComparedWithCase();
     void pluginOutsideTheTableGetsNoMember();
     void initAgainReplacesTheLists();
+    void debugTextFollowsTheCalls();
+    void loadingAgainForgetsTheRootObjects();
+    void progressBarIsNotThatOfAnEarlierMenuBar();
+    void toolMayHaveThePluginsLoadedAgain();
+    void loadWhileTheBoxIsOpenIsSafe();
     void menuBarIsAskedInItsOrder();
     void progressBarDependsOnTheOrder();
     void bothOrdersOfMenuBarAndProgressBarOccur();
@@ -99,6 +104,7 @@ private slots:
     void messageReachesThePluginOfTheBareName();
     void messageToAFileNameIsDropped();
     void messageToAnUnknownPluginIsDropped();
+    void messageIsHandedOverWhole_data();
     void messageIsHandedOverWhole();
     void pluginOutsideTheTableExchangesMessages();
     void messageToItselfArrives();
@@ -296,9 +302,20 @@ void tst_DesktopManager::everyToolIsAskedForWhatItBuilds()
     QCOMPARE(dynamic_cast<QObject *>(m.m_fileProcess), m.m_fileProcessObject);
     QCOMPARE(dynamic_cast<QObject *>(m.m_menuBar), m.m_menuBarObject);
     QCOMPARE(dynamic_cast<QObject *>(m.m_toolbarEdit), m.m_toolbarEditObject);
-    for (QObject *root : {m.m_pnListObject, m.m_toolbarMoveObject, m.m_toolbarSelectObject,
-                          m.m_toolbarToolObject, m.m_viewObject, m.m_statusObject, m.m_processBarObject})
-        QVERIFY(root);
+    const auto rootOf = [](const char *name) {
+        return QPluginLoader(QStringLiteral(FIXTURE_DIR "/desktop/%1.dll").arg(QLatin1String(name)))
+            .instance();
+    };
+    QCOMPARE(m.m_fileProcessObject, rootOf("File_Process"));
+    QCOMPARE(m.m_pnListObject, rootOf("ListBar_PNList"));
+    QCOMPARE(m.m_toolbarEditObject, rootOf("Toolbar_Edit"));
+    QCOMPARE(m.m_toolbarMoveObject, rootOf("Toolbar_Move"));
+    QCOMPARE(m.m_toolbarSelectObject, rootOf("ToolBar_Select"));
+    QCOMPARE(m.m_toolbarToolObject, rootOf("Toolbar_Tool"));
+    QCOMPARE(m.m_viewObject, rootOf("Viewbar_View"));
+    QCOMPARE(m.m_statusObject, rootOf("Viewbar_Status"));
+    QCOMPARE(m.m_menuBarObject, rootOf("MenuBar_Menu"));
+    QCOMPARE(m.m_processBarObject, rootOf("ProcessBar_Process"));
     QCOMPARE(LogLines::take(), QList<Line>());
 }
 
@@ -354,10 +371,113 @@ void tst_DesktopManager::pluginOutsideTheTableGetsNoMember()
 
 void tst_DesktopManager::initAgainReplacesTheLists()
 {
-    loadAndInit({"Toolbar_Edit", "Toolbar_Move"});
+    loadAndInit({"Toolbar_Edit", "Toolbar_Move", "ToolBar_Select", "Toolbar_Tool"});
     QVERIFY(manager()->initAllPlugins());
-    QCOMPARE(manager()->m_editActions.size(), 2);
-    QCOMPARE(manager()->m_moveActions.size(), 2);
+    for (const QList<QAction *> &actions : {manager()->m_editActions, manager()->m_moveActions,
+                                            manager()->m_selectActions, manager()->m_toolActions}) {
+        QCOMPARE(actions.size(), 2);
+        QVERIFY(actions.first() && actions.last() && actions.first() != actions.last());
+    }
+}
+
+void tst_DesktopManager::debugTextFollowsTheCalls()
+{
+    load({"MenuBar_Menu"});
+    m_debug->take();
+    QStringList before;
+    Recorder::setOnFactory([&](const QString &, QWidget *) { before += m_debug->take(); });
+    QVERIFY(manager()->initAllPlugins());
+    Recorder::setOnFactory({});
+    QCOMPARE(before, QStringList(R"("MenuBar_Menu.dll")"));
+    QCOMPARE(m_debug->take(), QStringList(" Menu bar added!"));
+}
+
+void tst_DesktopManager::loadingAgainForgetsTheRootObjects()
+{
+    QCoreApplication::setLibraryPaths(
+        {QStringLiteral(FIXTURE_DIR "/desktop_with_progress"), QStringLiteral(FIXTURE_DIR "/desktop")});
+    loadAndInit(tools);
+    manager()->loadAllPlugins();
+
+    const Manager &m = *manager();
+    for (const QObject *root :
+         {m.m_fileProcessObject, m.m_pnListObject, m.m_menuBarObject, m.m_toolbarMoveObject,
+          m.m_toolbarEditObject, m.m_toolbarSelectObject, m.m_toolbarToolObject, m.m_viewObject,
+          m.m_statusObject, m.m_processBarObject})
+        QVERIFY(!root);
+    QVERIFY(!m.m_fileProcess && !m.m_menuBar && !m.m_toolbarEdit && !m.m_processBar);
+    QVERIFY(m.m_editActions.isEmpty() && m.m_selectActions.isEmpty());
+    QVERIFY(m.m_moveActions.isEmpty() && m.m_toolActions.isEmpty());
+    QVERIFY(m.m_viewResult && m.m_menuBarResult1);
+
+    QVERIFY(manager()->initAllPlugins());
+    QVERIFY(m.m_fileProcessObject && m.m_menuBarObject && m.m_processBarObject);
+    QCOMPARE(m.m_toolActions.size(), 2);
+}
+
+void tst_DesktopManager::progressBarIsNotThatOfAnEarlierMenuBar()
+{
+    const KeptLoaders keptLoaders;
+    const QString menuBar = m_directory.filePath("MenuBar_Menu.dll");
+    TestFiles::replace(menuBar, FIXTURE_DIR "/desktop_with_progress/MenuBar_Menu.dll");
+    QCoreApplication::setLibraryPaths({m_directory.path(), QStringLiteral(FIXTURE_DIR "/desktop")});
+    loadAndInit({"MenuBar_Menu", "ProcessBar_Process"});
+
+    QVERIFY(QFile::remove(menuBar));
+    QCoreApplication::setLibraryPaths({m_directory.path()});
+    TestFiles::replace(m_directory.filePath("ProcessBar_Process.dll"),
+                       FIXTURE_DIR "/desktop/ProcessBar_Process.dll");
+    manager()->loadAllPlugins();
+    QCOMPARE(m_boxes->take().size(), 1);
+    QVERIFY(manager()->initAllPlugins());
+    QVERIFY(manager()->m_processBarObject);
+    QVERIFY(!manager()->m_menuBarObject && !manager()->m_processBar);
+}
+
+void tst_DesktopManager::toolMayHaveThePluginsLoadedAgain()
+{
+    // The running tool stays in memory and alive, for it has another owner.
+    QPluginLoader keeper(QStringLiteral(FIXTURE_DIR "/desktop/Viewbar_View.dll"));
+    QVERIFY(keeper.load());
+    load({"File_Process", "Viewbar_View", "Viewbar_Status", "ListBar_PNList", "Other_Process"});
+    bool loadedAgain = false;
+    Recorder::setOnFactory([&](const QString &library, QWidget *) {
+        if (library == "Viewbar_View.dll" && !loadedAgain) {
+            loadedAgain = true;
+            manager()->loadAllPlugins();
+        }
+    });
+    QVERIFY(manager()->initAllPlugins());
+    Recorder::setOnFactory({});
+    QVERIFY(loadedAgain);
+    manager()->initSignalAndSlot();
+    manager()->recMegfromPlugin(messageTo("Other_Process"));
+    QCOMPARE(takeReceivers(), QStringList("Other_Process.dll"));
+}
+
+void tst_DesktopManager::loadWhileTheBoxIsOpenIsSafe()
+{
+    const KeptLoaders keptLoaders;
+    TestFiles::write("pluginconfig/pluginconfig.json", TestFiles::configOf({"Absent_One", "Absent_Two"}));
+    // So many names are read in meanwhile that the table must grow, which moves its entries.
+    QStringList more;
+    for (int number = 0; number < 40; ++number) {
+        more += QString("Copy_%1").arg(number);
+        TestFiles::replace(m_directory.filePath(more.last() + ".dll"),
+                           FIXTURE_DIR "/desktop/Other_Process.dll");
+    }
+    QCoreApplication::addLibraryPath(m_directory.path());
+    m_boxes->whileNextIsOpen([&] {
+        TestFiles::write("pluginconfig/pluginconfig.json", TestFiles::configOf(more));
+        manager()->loadAllPlugins();
+    });
+    manager()->loadAllPlugins();
+
+    QCOMPARE(m_boxes->take().size(), 4);
+    for (const QString &name : more) {
+        manager()->recMegfromPlugin(messageTo(name));
+        QCOMPARE(takeReceivers(), QStringList("Other_Process.dll"));
+    }
 }
 
 void tst_DesktopManager::menuBarIsAskedInItsOrder()
@@ -427,7 +547,10 @@ void tst_DesktopManager::staleEntryIsSkipped()
     m_debug->take();
     m_debug->takeWarnings();
     QVERIFY(manager()->initAllPlugins());
-    QCOMPARE(m_debug->take(), (QStringList{R"("File_Process.dll")", "file pro tools added!"}));
+    QStringList debug = m_debug->take();
+    debug.sort();
+    QCOMPARE(debug,
+             (QStringList{R"("File_Process.dll")", R"("Stale_Process.dll")", "file pro tools added!"}));
     manager()->initSignalAndSlot();
     QCOMPARE(m_debug->takeWarnings(), QStringList());
 
@@ -498,10 +621,19 @@ void tst_DesktopManager::messageToAnUnknownPluginIsDropped()
     QCOMPARE(m_debug->takeWarnings(), QStringList());
 }
 
+void tst_DesktopManager::messageIsHandedOverWhole_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("any type") << 7;
+    QTest::newRow("the CAM manager's invalid type") << -1;
+    QTest::newRow("the CAM manager's quiet type") << 10000000;
+}
+
 void tst_DesktopManager::messageIsHandedOverWhole()
 {
+    QFETCH(int, type);
     loadAndInit({"File_Process"});
-    PluginMetaData message = messageTo("File_Process", -1);
+    PluginMetaData message = messageTo("File_Process", type);
     message.data["Key"] = 42;
     message.userData = 0xabcdef;
     manager()->recMegfromPlugin(message);
@@ -511,7 +643,7 @@ void tst_DesktopManager::messageIsHandedOverWhole()
     const PluginMetaData &received = deliveries.first().message;
     QCOMPARE(received.src, QString("test"));
     QCOMPARE(received.dst, QString("File_Process"));
-    QCOMPARE(received.type, -1);
+    QCOMPARE(received.type, type);
     QCOMPARE(received.data, message.data);
     QCOMPARE(received.userData, quintptr(0xabcdef));
 }
@@ -571,6 +703,7 @@ void tst_DesktopManager::connectingTwiceDeliversTwice()
 
 void tst_DesktopManager::metaTypeIsRegisteredUnderItsName()
 {
+    QCOMPARE(QMetaType::type("PluginMetaData"), int(QMetaType::UnknownType));
     manager()->initSignalAndSlot();
     QCOMPARE(QMetaType::type("PluginMetaData"), qMetaTypeId<PluginMetaData>());
 }

@@ -51,6 +51,12 @@ private slots:
     void factoryDeletesAnotherJob();
     void factorySendsMessages();
 
+    void textsOfTheCallerMayChangeMeanwhile();
+    void namesOfTheCallerMayChangeWhileAJobIsDeleted();
+    void namesOfTheCallerMayChangeWhileAJobIsRenamed();
+    void namesOfTheCallerMayChangeWhileAFrameIsMade();
+    void rootInsertedByAFactoryIsTheParentOfItsFrame();
+
     void everyOperationSurvivesAGrowingRegistry();
     void everyOperationSurvivesAnEmptiedRegistry();
     void widgetsMayBeDeletedLater();
@@ -543,6 +549,102 @@ std::vector<std::function<void()>> tst_Reentrance::operations()
 }
 
 // A registry that grows moves its records in memory.
+void tst_Reentrance::textsOfTheCallerMayChangeMeanwhile()
+{
+    QWidget *const pcb = graphicFrame("A | pcb");
+    QWidget *const top = graphicFrame("A | top");
+    const auto sent = message(graphicEditor);
+    QString job;
+    Recorder::setOnDelivery([&](const Recorder::Delivery &) { job = "B"; });
+
+    job = "A";
+    manager()->setInterfaceTexts("Graphic", job, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(pcb, sent), to(top, sent)}));
+    job = "A";
+    manager()->Eda_setTransmitData("Graphic", job, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(pcb, sent), to(top, sent)}));
+}
+
+void tst_Reentrance::namesOfTheCallerMayChangeWhileAJobIsDeleted()
+{
+    QWidget *const matrix = matrixFrame("A");
+    QWidget *const pcb = graphicFrame("A | pcb");
+    QWidget *const top = graphicFrame("A | top");
+    QWidget *const guideOfA = guideFrame("A|Guide");
+    QString job = "A";
+    Recorder::setOnDelivery([&](const Recorder::Delivery &) { job.clear(); });
+    manager()->Ov_DeleteTreeNode("Matrix", job);
+    QCOMPARE(
+        deliveries(),
+        (Deliveries{to(matrix, note("", matrixEditor, 20002402)), to(pcb, note("", graphicEditor, 20002402)),
+                    to(top, note("", graphicEditor, 20002402)), to(guideOfA, note("", guide, 20002402))}));
+}
+
+void tst_Reentrance::namesOfTheCallerMayChangeWhileAJobIsRenamed()
+{
+    insertRoot();
+    QWidget *const matrix = matrixFrame("A");
+    QWidget *const table = element(matrixTable, matrix);
+    QWidget *const guideOfA = guideFrame("A|Guide");
+    const Data names{{"OldJobName", "A"}, {"NewJobName", "B"}};
+    QString oldName = "A";
+    QString newName = "B";
+    Recorder::setOnDelivery([&](const Recorder::Delivery &) {
+        oldName.clear();
+        newName.clear();
+    });
+    manager()->OV_ChangeJobNameAndUpdateJob(oldName, newName);
+    QCOMPARE(deliveries(), (Deliveries{to(matrix, note("", matrixEditor, 20002401,
+                                                       {{"DstType", "Matrix"}, {"NewJobName", "B"}})),
+                                       to(table, note("", matrixTable, 20002401, {{"NewJobName", "B"}})),
+                                       to(guideOfA, note("", guide, 20002400, names))}));
+}
+
+void tst_Reentrance::namesOfTheCallerMayChangeWhileAFrameIsMade()
+{
+    QWidget window;
+    std::string name;
+    Recorder::setOnFactory([&](const QString &, QWidget *) { name = "changed"; });
+
+    name = "A | pcb";
+    QWidget *const graphic = manager()->Ov_RegisterGraphicFramework(&window, name, false);
+    name = "A";
+    QWidget *const matrix = manager()->Ov_RegisterMatrixFramework(&window, name);
+    name = "A|Guide";
+    QWidget *const guideOfA = manager()->Ov_RegisterGuideFramework(&window, name);
+    Recorder::setOnFactory({});
+    deliveries();
+    QCOMPARE(factoryCalls().size(), 3);
+
+    // Each is known under the name that it was made for.
+    QCOMPARE(manager()->Ov_RegisterGraphicFramework(&window, "A | pcb", false), graphic);
+    QCOMPARE(manager()->Ov_RegisterMatrixFramework(&window, "A"), matrix);
+    QCOMPARE(manager()->Ov_RegisterGuideFramework(&window, "A|Guide"), guideOfA);
+    QCOMPARE(factoryCalls().size(), 0);
+    delete graphic;
+    delete matrix;
+    delete guideOfA;
+}
+
+void tst_Reentrance::rootInsertedByAFactoryIsTheParentOfItsFrame()
+{
+    QWidget window;
+    QWidget root;
+    Recorder::setOnFactory([&](const QString &, QWidget *) {
+        Recorder::setOnFactory({});
+        manager()->insertRoot("Engineering", &root);
+    });
+    QWidget *const matrix = manager()->Ov_RegisterMatrixFramework(&window, "A");
+    QWidget *const table = element(matrixTable, matrix);
+    factoryCalls();
+    deliveries();
+
+    const auto sent = message(matrixTable, {{"DstType", "Matrix"}, {"JobName", "A"}});
+    manager()->pluginTransmitData(sent);
+    QCOMPARE(deliveries(), (Deliveries{to(table, sent)}));
+    delete matrix;
+}
+
 void tst_Reentrance::everyOperationSurvivesAGrowingRegistry()
 {
     QWidget *const root = insertRoot();
