@@ -42,9 +42,8 @@ void Commands::run(Frame *frame, const QString &library, const QString &command)
     if (const Command own = ownCommands().value(command)) {
         (this->*own)(*frame);
     } else if (const char *const element = receiver(frame->kind)) {
-        m_manager->recMegToPlugin(frame->window,
-                                  makeMessage(library.toLatin1().constData(), element,
-                                              MessageType::RunCommand, {{"Command", command}}));
+        m_manager->recMegToPlugin(
+            frame->window, makeMessage(library, element, MessageType::RunCommand, {{"Command", command}}));
     } else {
         m_window.statusBar()->showMessage(library + QStringLiteral(": ") + command, 4000);
     }
@@ -70,7 +69,7 @@ const QMap<QString, Commands::Command> &Commands::ownCommands()
 
 void Commands::exit(const Frame &)
 {
-    m_window.close();
+    m_window.window()->close();
 }
 
 void Commands::openJob(const Frame &)

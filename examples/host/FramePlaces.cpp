@@ -1,5 +1,7 @@
 #include "FramePlaces.h"
 
+#include "MenuBarEnd.h"
+
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QGroupBox>
@@ -44,7 +46,7 @@ Places makeGraphicPlaces(QMainWindow *frame)
 Places makeMatrixPlaces(QMainWindow *frame)
 {
     Places places(frame);
-    frame->menuBar()->setCornerWidget(makePanel(places.makeBox(Place::Head, Qt::Horizontal)));
+    new MenuBarEnd(frame->menuBar(), places.makeBox(Place::MenuBarEnd, Qt::Horizontal));
     frame->setCentralWidget(makePanel(places.makeBox(Place::Center, Qt::Vertical)));
     return places;
 }

@@ -1,7 +1,10 @@
 #include "MainWindow.h"
 
+#include "MenuBarEnd.h"
+
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDockWidget>
+#include <QtWidgets/QMenuBar>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTabBar>
@@ -10,9 +13,9 @@
 MainWindow::MainWindow()
     : m_places(this)
 {
-    setWindowTitle(QStringLiteral("pluginManger example host"));
-    resize(1280, 800);
+    setWindowTitle(QStringLiteral("Jobs"));
 
+    new MenuBarEnd(menuBar(), m_places.makeBox(Place::MenuBarEnd, Qt::Horizontal));
     auto *const center = new QSplitter(Qt::Vertical);
     center->addWidget(makeTabs(FrameKind::Graphic));
     center->addWidget(makeTabs(FrameKind::Matrix));

@@ -45,8 +45,6 @@ void Places::add(Place place, QObject *element)
         layout ? box->addLayout(layout) : box->addWidget(widget);
     else if (place == Place::Menus)
         m_window->menuBar()->addMenu(qobject_cast<QMenu *>(element));
-    else if (place == Place::MenuBarEnd)
-        m_window->menuBar()->setCornerWidget(widget);
     else if (place == Place::ToolBars)
         m_window->addToolBar(qobject_cast<QToolBar *>(element));
     else

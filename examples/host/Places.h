@@ -15,7 +15,6 @@ enum class Place {
     LeftDocks,
     RightDocks,
     BottomDocks,
-    Head,
     PartPanel,
     Center,
     Overview,

@@ -76,7 +76,7 @@ std::vector<ElementRegistration> elementRegistrations()
         registration("Ov_RegisterMatrix_File_Menu", "Matrix_MenuBar.dll", &Manager::Ov_RegisterMatrix_File_Menu, FrameKind::Matrix, Place::Menus),
         registration("Ov_RegisterMatrix_Edit_Menu", "MATRIX_MENUBAR_Edit.dll", &Manager::Ov_RegisterMatrix_Edit_Menu, FrameKind::Matrix, Place::Menus),
         registration("Ov_RegisterMatrix_Option_Menu", "MATRIX_MENUBAR_Option.dll", &Manager::Ov_RegisterMatrix_Option_Menu, FrameKind::Matrix, Place::Menus),
-        registration("Ov_RegisterMatrix_ToolBar", "Matrix_ToolBar.dll", &Manager::Ov_RegisterMatrix_ToolBar, FrameKind::Matrix, Place::Head),
+        registration("Ov_RegisterMatrix_ToolBar", "Matrix_ToolBar.dll", &Manager::Ov_RegisterMatrix_ToolBar, FrameKind::Matrix, Place::MenuBarEnd),
         registration("Ov_RegisterMatrix_Table", "Matrix.dll", &Manager::Ov_RegisterMatrix_Table, FrameKind::Matrix, Place::Center),
 
         // The DFM workspace.

@@ -6,5 +6,5 @@
 inline PluginMetaData hostMessage(const QString &destination, qint32 type,
                                   const QMap<QString, QVariant> &data)
 {
-    return makeMessage("pluginManger-host", destination.toLatin1().constData(), type, data);
+    return makeMessage("pluginManger-host", destination, type, data);
 }

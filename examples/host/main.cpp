@@ -1,16 +1,21 @@
 #include "Account.h"
 #include "BoxObserver.h"
 #include "Commands.h"
+#include "DesktopTools.h"
+#include "DesktopWindow.h"
 #include "JobTree.h"
 #include "KeyStatus.h"
 #include "MainWindow.h"
 #include "Stage.h"
 #include "Workspace.h"
 #include "hostMessage.h"
+#include "storyOfDesktop.h"
 #include "storyOfJobs.h"
 #include "storyOfMessages.h"
 
+#include <ProcessBar_Process.h>
 #include <common.h>
+#include <pluginManger.h>
 #include <pluginManger4CAM.h>
 
 #include <QtCore/QCommandLineParser>
@@ -18,6 +23,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QTabWidget>
 
 #include <glog/logging.h>
 
@@ -27,6 +33,7 @@ struct Options
 {
     QString screenshot;
     QString before;
+    QString desktop;
     QString log;
 };
 
@@ -34,20 +41,26 @@ Options readOptions()
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Builds a CAM window out of everything that the example plug-ins offer."));
+        QStringLiteral("Builds a window out of everything that the example plug-ins offer."));
     parser.addHelpOption();
     parser.addOptions({
         {QStringLiteral("screenshot"),
-         QStringLiteral("Play through what a user would do, save a picture of the window and quit."),
+         QStringLiteral("Play through what a user would do, save a picture of the jobs and quit."),
          QStringLiteral("file")},
-        {QStringLiteral("before"), QStringLiteral("Save a picture before playing, too."),
+        {QStringLiteral("before"), QStringLiteral("Save a picture of the jobs before playing, too."),
+         QStringLiteral("file")},
+        {QStringLiteral("desktop"), QStringLiteral("Save a picture of the desktop tools, too."),
          QStringLiteral("file")},
         {QStringLiteral("log"), QStringLiteral("Write the log there."), QStringLiteral("file"),
          QDir::temp().filePath(QStringLiteral("pluginManger-host.log"))},
     });
     parser.process(*QCoreApplication::instance());
-    return {parser.value(QStringLiteral("screenshot")), parser.value(QStringLiteral("before")),
-            parser.value(QStringLiteral("log"))};
+    // The host changes its directory; what is named on the command line is relative to the user's.
+    const auto file = [&parser](const char *option) {
+        const QString path = parser.value(QLatin1String(option));
+        return path.isEmpty() ? path : QDir().absoluteFilePath(path);
+    };
+    return {file("screenshot"), file("before"), file("desktop"), file("log")};
 }
 
 /// The library logs, but leaves it to the host to say where to: here into one file for all severities.
@@ -71,11 +84,34 @@ void setFontSize()
     QApplication::setFont(font);
 }
 
-/// The host's files lie beside it, unless the environment says otherwise.
+/// The host's files lie beside it, unless the environment says otherwise. The desktop manager looks for them
+/// in the current directory.
 void setBaseDirectory()
 {
-    if (!qEnvironmentVariableIsSet("PLUGINMANGER_PATH"))
-        qputenv("PLUGINMANGER_PATH", QCoreApplication::applicationDirPath().toUtf8());
+    const QDir base(qEnvironmentVariable("PLUGINMANGER_PATH", QCoreApplication::applicationDirPath()));
+    qputenv("PLUGINMANGER_PATH", QFile::encodeName(base.absolutePath()));
+    QDir::setCurrent(base.absolutePath());
+}
+
+/// Loads the desktop tools and lets them build what they are for, with `window` as their parent.
+QTpluginsManger *startDesktop(QWidget *window)
+{
+    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath()
+                                     + QStringLiteral("/../plugins/desktop"));
+    QTpluginsManger *const manager = QTpluginsManger::instance();
+    manager->getParentWidget(window);
+    manager->loadAllPlugins();
+    manager->initAllPlugins();
+    manager->initSignalAndSlot();
+    return manager;
+}
+
+void placeDesktop(QTpluginsManger *manager, DesktopWindow &window, Account &account)
+{
+    window.place(*manager);
+    tellDesktopTools(manager, account);
+    if (ProcessBar_Process *const progress = progressDisplay(*manager))
+        progress->setValue(0);
 }
 
 void loadPlugins(QTpluginsManger4CAM *manager, Account &account)
@@ -115,7 +151,19 @@ void showProgress(QTpluginsManger4CAM *manager, int elementCount)
                 {{"Percent", 100}, {"Text", QStringLiteral("%1 elements registered").arg(elementCount)}}));
 }
 
-void saveScreenshot(MainWindow &window, const QString &path, Account &account)
+void showPages(QTabWidget &window, DesktopWindow &desktop, MainWindow &jobs)
+{
+    window.setWindowTitle(QStringLiteral("pluginManger example host"));
+    window.setDocumentMode(true);
+    window.resize(1280, 800);
+    window.addTab(&desktop, QStringLiteral("Desktop"));
+    window.addTab(&jobs, jobs.windowTitle());
+    window.setCurrentWidget(&jobs);
+    jobs.arrangeDocks();
+    window.show();
+}
+
+void saveScreenshot(QWidget &window, const QString &path, Account &account)
 {
     account.heading(QStringLiteral("Picture"));
     // What has just changed is laid out by events that still wait.
@@ -128,16 +176,25 @@ void saveScreenshot(MainWindow &window, const QString &path, Account &account)
 }
 
 /// What a user would do, and what the window then shows.
-void playStory(const Stage &stage, const Options &options)
+void playStory(const Stage &stage, QTabWidget &window, QTpluginsManger &desktopManager,
+               DesktopWindow &desktop, const Options &options)
 {
+    Account &account = stage.account;
     if (!options.before.isEmpty())
-        saveScreenshot(stage.window, options.before, stage.account);
+        saveScreenshot(window, options.before, account);
     // There is no story with a part of the window missing.
-    if (stage.account.failureCount() == 0) {
+    const bool complete = account.failureCount() == 0;
+    if (complete) {
         playStoryOfMessages(stage);
         playStoryOfJobs(stage);
     }
-    saveScreenshot(stage.window, options.screenshot, stage.account);
+    saveScreenshot(window, options.screenshot, account);
+
+    window.setCurrentWidget(&desktop);
+    if (complete)
+        playStoryOfDesktop(desktopManager, desktop, account);
+    if (!options.desktop.isEmpty())
+        saveScreenshot(window, options.desktop, account);
 }
 
 }
@@ -157,28 +214,32 @@ int main(int argc, char *argv[])
     if (!attended)
         setFontSize();
 
+    QTabWidget window;
+    DesktopWindow desktop;
+    QTpluginsManger *const desktopManager = startDesktop(&desktop);
+    placeDesktop(desktopManager, desktop, account);
+
     QTpluginsManger4CAM *const manager = QTpluginsManger4CAM::instance();
     loadPlugins(manager, account);
 
-    MainWindow window;
-    insertRoot(manager, &window, account);
+    MainWindow jobs;
+    insertRoot(manager, &jobs, account);
 
-    Workspace workspace(manager, window, account);
+    Workspace workspace(manager, jobs, account);
     workspace.open();
     openJobs(workspace, account);
     workspace.elements().tell(account);
     showProgress(manager, workspace.elements().count());
 
     JobTree jobTree(manager, workspace);
-    Commands commands(manager, window, workspace, jobTree);
-    KeyStatus keyStatus(manager, window);
+    Commands commands(manager, jobs, workspace, jobTree);
+    KeyStatus keyStatus(manager, jobs);
     application.installEventFilter(&keyStatus);
 
-    window.arrangeDocks();
-    window.show();
+    showPages(window, desktop, jobs);
     if (!attended) {
         QTimer::singleShot(0, &window, [&] {
-            playStory({manager, window, workspace, account}, options);
+            playStory({manager, jobs, workspace, account}, window, *desktopManager, desktop, options);
             QApplication::quit();
         });
     }

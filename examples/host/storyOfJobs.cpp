@@ -8,6 +8,7 @@
 
 #include <pluginManger4CAM.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QLabel>
@@ -130,9 +131,12 @@ void lookAroundAfterRenaming(const Stage &stage)
     stage.account.expect(QStringLiteral("Matrix"), matrix->horizontalHeaderItem(0)->text(), job);
     const auto *const menu = stage.element<QMenu>("MATRIX_MENUBAR_Edit.dll", FrameKind::Matrix, job);
     stage.account.expect(QStringLiteral("Edit menu of the matrix"), menu->actions().first()->text(), job);
-    stage.account.expect(QStringLiteral("Menu bar"),
-                         stage.element<QLabel>("Common_MenuBar_Info.dll", FrameKind::Root)->text(),
+    const auto *const info = stage.element<QLabel>("Common_MenuBar_Info.dll", FrameKind::Root);
+    stage.account.expect(QStringLiteral("Menu bar"), info->text(),
                          QStringLiteral("PN-1042 B, Northfield, job control-2l-revB"));
+    QCoreApplication::processEvents();
+    stage.account.check(QStringLiteral("Menu bar has room for it"),
+                        info->width() >= info->sizeHint().width());
     const auto *const parts =
         stage.element<QDockWidget>("ListBar_PNList.dll", FrameKind::Root)->findChild<QTreeWidget *>();
     stage.account.expect(QStringLiteral("List of part numbers"), parts->topLevelItem(0)->text(2), job);

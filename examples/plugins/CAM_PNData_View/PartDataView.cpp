@@ -53,10 +53,8 @@ void PartDataView::showText(const QString &text)
 
 void PartDataView::showPart(const QString &number)
 {
-    for (const Part &part : sampleParts()) {
-        if (part.number == number)
-            showData(part);
-    }
+    if (const Part *const part = findPart(number))
+        showData(*part);
 }
 
 void PartDataView::showData(const Part &part)

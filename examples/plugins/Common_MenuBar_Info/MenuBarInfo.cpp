@@ -8,7 +8,7 @@ extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *parent)
 {
     const Part &part = sampleParts().first();
     auto *const info = new QLabel(parent);
-    info->setContentsMargins(8, 4, 8, 0);
+    info->setContentsMargins(8, 0, 8, 0);
     info->setText(
         QStringLiteral("%1 %2, %3, job %4").arg(part.number, part.revision, part.customer, part.jobName));
     return static_cast<QWidget *>(info);

@@ -24,9 +24,14 @@ enum MessageType : qint32 {
     ShowCompareJob = 13, ///< "CompareJob": the graphic view
     ShowKeys = 14,       ///< "Keys": the graphic frame
     TaskDone = 15,       ///< "Task", "Text": the guide
+    AskForPoints = 16,   ///< the desktop's view, which answers the sender with ShowPoints
+    ShowPoints = 17,     ///< "Points" in millimetres: the desktop's view and files
+    UseFolder = 18,      ///< "Folder": the desktop's files
+    AreaCounted = 19,    ///< "Part", "Layer", "Area" in millimetres: the desktop's view
 
     /// Follows every move of the mouse, so it has the type that the manager does not log. The graphic view
-    /// sends its "Position" in millimetres to the coordinate row, its visible "Area" to the mini map.
+    /// sends its "Position" in millimetres to the coordinate row, its visible "Area" to the mini map; the
+    /// desktop's view sends the "Position" to the status display.
     FollowView = 10000000,
 
     // These are the manager's own.
@@ -49,13 +54,14 @@ inline QString textParameter(const PluginMetaData &message, const char *name)
     return parameter(message, name).toString();
 }
 
-/// A message from one library's element to another's, both named by their file names.
-inline PluginMetaData makeMessage(const char *source, const char *destination, qint32 type,
+/// A message from one plug-in to another. CAM plug-ins are named by their file names, desktop plug-ins
+/// without ".dll".
+inline PluginMetaData makeMessage(const QString &source, const QString &destination, qint32 type,
                                   const QMap<QString, QVariant> &data)
 {
     PluginMetaData message;
-    message.src = QLatin1String(source);
-    message.dst = QLatin1String(destination);
+    message.src = source;
+    message.dst = destination;
     message.type = type;
     message.data = data;
     return message;

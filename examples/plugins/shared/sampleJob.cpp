@@ -255,3 +255,11 @@ const QVector<Part> &sampleParts()
     };
     return parts;
 }
+
+const Part *findPart(const QString &number)
+{
+    const QVector<Part> &parts = sampleParts();
+    const auto part = std::find_if(parts.begin(), parts.end(),
+                                   [&number](const Part &candidate) { return candidate.number == number; });
+    return part == parts.end() ? nullptr : &*part;
+}

@@ -78,3 +78,6 @@ struct Part
 };
 
 const QVector<Part> &sampleParts();
+
+/// The part of this number, or null.
+const Part *findPart(const QString &number);

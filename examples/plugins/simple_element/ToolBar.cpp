@@ -1,7 +1,10 @@
 #include "entryActions.h"
 #include "messages.h"
 
+#include <QtWidgets/QLayout>
 #include <QtWidgets/QToolBar>
+
+#include <type_traits>
 
 /// The tool bar belongs to its parent. PLUGIN_ELEMENT is what the host knows it as, QToolBar or QWidget.
 extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent)
@@ -9,6 +12,9 @@ extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent)
     auto *const toolBar = new QToolBar(QStringLiteral(PLUGIN_TITLE), parent);
     toolBar->setObjectName(toolBar->windowTitle());
     toolBar->addActions(makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), toolBar));
+    // As a plain widget it stands among others, whose layout has margins already.
+    if (std::is_same_v<PLUGIN_ELEMENT, QWidget>)
+        toolBar->layout()->setContentsMargins(0, 0, 0, 0);
     return static_cast<PLUGIN_ELEMENT *>(toolBar);
 }
 

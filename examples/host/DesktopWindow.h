@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QtWidgets/QMainWindow>
+
+class QTpluginsManger;
+
+/// The page with the desktop tools: what their plug-ins have built, each in its place.
+class DesktopWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    DesktopWindow();
+
+    /// Takes what the manager holds. Tools that are not loaded leave their places empty.
+    void place(const QTpluginsManger &manager);
+
+private:
+    void placeMenu(QMenu *menu);
+    void placeTools(const QString &title, const QList<QAction *> &actions);
+};

@@ -1,0 +1,28 @@
+#include "DesktopPlugin.h"
+
+#include <Toolbar_Move.h>
+
+/// Moves the test points that are selected.
+class MoveTools : public DesktopPlugin, public Toolbar_Move
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "pluginManger.PluginInterface/1.0")
+    Q_INTERFACES(Toolbar_Move)
+
+public:
+    MoveTools();
+
+    QList<QAction *> createActions() override;
+};
+
+MoveTools::MoveTools()
+    : DesktopPlugin("Toolbar_Move")
+{
+}
+
+QList<QAction *> MoveTools::createActions()
+{
+    return makeCommands("Left,Right,Up,Down", "Viewbar_View");
+}
+
+#include "MoveTools.moc"
