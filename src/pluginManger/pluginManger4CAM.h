@@ -39,7 +39,7 @@ struct FrameFactory;
  * QObject::deleteLater(), not from within an entry point.
  *
  * The library itself throws nothing; what a plug-in throws passes through to the caller unless an operation
- * says otherwise.
+ * says otherwise. Operations that are made of others pass on what those do not show.
  *
  * The registry owns no element: widgets belong to the host's widget tree. It knows parents and elements by
  * their addresses and does not notice when one is deleted. So keep the parents of elements for the rest of
@@ -163,6 +163,7 @@ public:
      *
      * The result is null, and nothing is recorded, when the editor's library is not loaded or does not export
      * its factory. A library without the message entry point gives a frame that is not told anything.
+     * A factory's null is recorded, told and returned like a frame.
      */
     /// @{
 
@@ -250,9 +251,9 @@ public:
     void Eda_CAM_TransmitData(const QString &jobName, PluginMetaData meta);
 
     /**
-     * Delivers a message to all graphic frames of a job when `dstType` is "Graphic". For any other kind, and
-     * when there is no graphic frame at all, to the elements named `meta.dst` under the engineering root.
-     * Shows failures.
+     * Delivers a message to all graphic frames whose name up to the first " | " is `jobName` when `dstType`
+     * is "Graphic". For any other kind, and when there is no graphic frame at all, to the elements named
+     * `meta.dst` under the engineering root. Shows failures.
      */
     void Eda_setTransmitData(const QString &dstType, const QString &jobName, PluginMetaData meta);
     /// @}
@@ -268,9 +269,10 @@ public:
     void Ov_SetCurrentText(const QString &text, PluginMetaData meta);
 
     /**
-     * Delivers a message to the frames of the kind `dstType` ("Graphic", "Matrix" or "Guide") whose job is
-     * `text`, and to graphic frames of the wildcard name. For any other kind, and when there is no frame of
-     * the kind, to the elements named `meta.dst` under the engineering root. Shows failures.
+     * Delivers a message to the frames of the kind `dstType` ("Graphic", "Matrix" or "Guide") whose name, up
+     * to its first " | " if it has one, is `text`, and to those of the wildcard name. For any other kind, and
+     * when there is no frame of the kind at all, to the elements named `meta.dst` under the engineering root.
+     * Shows failures.
      */
     void setInterfaceTexts(const QString &dstType, const QString &text, PluginMetaData meta);
 
@@ -292,9 +294,15 @@ public:
     void ChangeCompareJobInfo(PluginMetaData meta);
 
     /**
-     * Gives the frames of a job its new name, then tells: the matrix frame and the matrix tables in it by a
-     * message of type 20002401 with "NewJobName"; the job lists in the job's graphic frames and its guide
-     * frames by one of type 20002400 with "OldJobName" and "NewJobName".
+     * Gives the matrix, graphic and guide frames of a job its new name, then tells: the matrix frame and the
+     * matrix tables in it by a message of type 20002401 with "NewJobName"; the job lists in the job's graphic
+     * frames and its guide frames by one of type 20002400 with "OldJobName" and "NewJobName".
+     *
+     * Whatever graphic frame has the old name and " | " anywhere in its name has its start replaced. Guide
+     * frames are found by the job's name and "|Guide". Frames of the wildcard name keep name and key.
+     *
+     * The last three messages are sent as by the update operations, which show failures; what is thrown at
+     * the first one reaches the caller, and the others are then not sent.
      */
     void OV_ChangeJobNameAndUpdateJob(const QString &oldJobName, const QString &newJobName);
 
@@ -304,11 +312,16 @@ public:
     /**
      * Forgets the frames of a job (`nodeType` "Matrix", `name` the job) or of a step ("Graphic", the job's
      * name, " | " and the step's name) and the elements in them, and tells each frame by a message of type
-     * 20002402 once it is forgotten. Other kinds of node have no frames.
+     * 20002402 once it is forgotten. Other kinds of node have no frames. Frames of the wildcard name stay.
+     *
+     * The messages are sent as by transmitDataToFramework(), which shows failures, so that the other frames
+     * are told all the same. A frame that deletes its own job once more when it is told has the frames that
+     * are still to come told twice.
      */
     void Ov_DeleteTreeNode(const QString &nodeType, const QString &name);
 
-    /// Calls the update operation for the message's "DstType": "Graphic", "EngineerRoot" or "Matrix".
+    /// Calls the update operation for the message's "DstType": "Graphic", "EngineerRoot" or "Matrix". They
+    /// show failures.
     void Ov_UpdateJob(const QString &name, PluginMetaData meta);
     /// @}
 
@@ -323,9 +336,10 @@ public:
     void updateEngieer(const QString &name, PluginMetaData meta);
 
     /**
-     * To the elements whose name contains `meta.dst` in the graphic frames of the job `name`, or only in that
-     * of its step "ChangeStepName", and in every frame of the wildcard name. With "OldJobName" and
-     * "NewJobName" a step without a name is left out.
+     * To the elements whose name contains `meta.dst` in graphic frames whose name contains `name` and " | ",
+     * or only in the one of the step "ChangeStepName", and in every frame of the wildcard name. With
+     * "OldJobName" and "NewJobName" a step without a name is left out. These three keys are added as routing
+     * adds its own.
      */
     void updateGraphic(const QString &name, PluginMetaData meta);
 
