@@ -1,3 +1,4 @@
+#include "debuglines.h"
 #include "gbktexts.h"
 #include "keptloaders.h"
 #include "messageboxes.h"
@@ -50,6 +51,8 @@ private slots:
     void nameIsLookedAtBeforeTheDependencies();
     void failedDependencyCheckIsLoggedOnly();
     void failedDependencyCheckLeavesWhatIsLoaded();
+    void defectOfADependencyKeepsTheLibraryOut_data();
+    void defectOfADependencyKeepsTheLibraryOut();
     void failedLoadIsLoggedAndShown_data();
     void failedLoadIsLoggedAndShown();
     void failedLoadLeavesTheOthers();
@@ -234,6 +237,44 @@ void tst_LoadLibrary::failedDependencyCheckLeavesWhatIsLoaded()
     QVERIFY(!loaded.isNull());
     QCOMPARE(m_base.findLibrary(m_tables, healthy), loaded.data());
     QVERIFY(loaded->isLoaded());
+}
+
+void tst_LoadLibrary::defectOfADependencyKeepsTheLibraryOut_data()
+{
+    using TestFiles::dependency;
+    using TestFiles::entry;
+    const QString view = "Graphic_View.dll";
+    const QString tips = "Graphic_Tips.dll";
+    QTest::addColumn<QJsonArray>("list");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("missing") << QJsonArray{entry(view, "1.0", {dependency("Absent.dll")})}
+                             << R"( Missing dependency: "Absent.dll" for plugin "")";
+    QTest::newRow("other version")
+        << QJsonArray{entry(view, "1.0", {dependency(tips, "2.0")}), entry(tips)}
+        << R"(Version mismatch: "Graphic_Tips.dll" version "1.0" but "2.0" required for plugin "Graphic_Tips.dll")";
+    QTest::newRow("cycle") << QJsonArray{entry(view, "1.0", {dependency(tips)}),
+                                         entry(tips, "1.0", {dependency(view)})}
+                           << R"(Circular dependency: "Graphic_View.dll" for plugin "Graphic_View.dll")"
+                              R"( by way of "Graphic_View.dll -> Graphic_Tips.dll -> Graphic_View.dll")";
+    QTest::newRow("on itself") << QJsonArray{entry(view, "1.0", {dependency(view)})}
+                               << R"(Circular dependency: "Graphic_View.dll" for plugin "Graphic_View.dll")"
+                                  R"( by way of "Graphic_View.dll -> Graphic_View.dll")";
+}
+
+/// The check finds the dependencies of libraries that are listed with ".dll".
+void tst_LoadLibrary::defectOfADependencyKeepsTheLibraryOut()
+{
+    QFETCH(QJsonArray, list);
+    QFETCH(QString, line);
+    m_base.readPluginConfig(m_tables, makeFile("pluginconfig.json", TestFiles::config(list)));
+    DebugLines debug;
+    load("Graphic_View.dll");
+    load("Graphic_MiniMap.dll");
+
+    QCOMPARE(m_tables.m_libraries.keys(), QStringList("Graphic_MiniMap.dll"));
+    QVERIFY2(debug.take().first().endsWith(line), qPrintable(line));
+    QCOMPARE(LogLines::take(), (QList<Line>{{'E', "pluginMangerBase",
+                                             QByteArray(Gbk::dependenciesFailed) + "Graphic_View.dll"}}));
 }
 
 void tst_LoadLibrary::failedLoadIsLoggedAndShown_data()
