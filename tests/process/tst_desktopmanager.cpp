@@ -436,6 +436,7 @@ void tst_DesktopManager::progressBarIsNotThatOfAnEarlierMenuBar()
 
 void tst_DesktopManager::toolMayHaveThePluginsLoadedAgain()
 {
+    const KeptLoaders keptLoaders;
     // The running tool stays in memory and alive, for it has another owner.
     QPluginLoader keeper(QStringLiteral(FIXTURE_DIR "/desktop/Viewbar_View.dll"));
     QVERIFY(keeper.load());

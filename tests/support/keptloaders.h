@@ -10,7 +10,8 @@ inline void __lsan_disable() {}
 inline void __lsan_enable() {}
 #endif
 
-/// Stands in tests in which a load fails: its loader is kept for the rest of the run, and while one of these
+/// Stands in tests in which a load fails, or a library with another owner is loaded again: the loader of the
+/// first is kept for the rest of the run, that of the second loses its place in the table. While one of these
 /// lives, what is never freed is no leak.
 class KeptLoaders
 {
