@@ -1,6 +1,7 @@
 #include "elementtable.h"
 #include "messageboxes.h"
 #include "pluginManger4CAM.h"
+#include "private/elementFactories_p.h"
 #include "recorder.h"
 #include "testfiles.h"
 #include "testmain.h"
@@ -34,6 +35,7 @@ private slots:
     void cleanupTestCase();
 
     void tableHasEveryOperation();
+    void namesForToolsAreThoseOfTheOperations();
     void factoryIsCalledOncePerParent_data() { addRows(); }
     void factoryIsCalledOncePerParent();
     void eachParentHasItsElement_data() { addRows(); }
@@ -118,6 +120,17 @@ void tst_Elements::tableHasEveryOperation()
     }
     QCOMPARE(operations.size(), 35);
     QCOMPARE(libraries.size(), 35);
+}
+
+void tst_Elements::namesForToolsAreThoseOfTheOperations()
+{
+    QStringList expected;
+    for (const ElementRow &row : elementTable())
+        expected += (row.operation == "Ov_Register_Common" ? QString() : row.library) + ' ' + row.symbol;
+    QStringList names;
+    for (const PluginMangerInternal::ElementFactoryNames &row : PluginMangerInternal::elementFactoryNames)
+        names += QString::fromLatin1(row.library) + ' ' + QString::fromLatin1(row.symbol);
+    QCOMPARE(names, expected);
 }
 
 void tst_Elements::factoryIsCalledOncePerParent()
