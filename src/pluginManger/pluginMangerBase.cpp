@@ -220,23 +220,32 @@ void DependencyWalk::indexNames()
     }
 }
 
-/// Makes every number a double, also a whole one, which Qt's JSON would hand over as an integer: versions
-/// are compared as variants, and the double 2 equals the text "2.0" while the integer does not.
-QVariant withNumbersAsDoubles(QVariant value)
+QVariantList toVariantList(const QJsonArray &array);
+
+/// Converts as Qt does, but makes every number a double, also a whole one, which Qt hands over as an integer:
+/// versions are compared as variants, and the double 2 equals the text "2.0" while the integer does not.
+QVariant toVariant(const QJsonValue &value)
 {
-    if (value.userType() == QMetaType::LongLong)
+    if (value.isDouble())
         return value.toDouble();
-    if (value.userType() == QMetaType::QVariantList) {
-        QVariantList list = value.toList();
-        std::transform(list.begin(), list.end(), list.begin(), withNumbersAsDoubles);
-        return list;
-    }
-    if (value.userType() == QMetaType::QVariantMap) {
-        QVariantMap map = value.toMap();
-        std::transform(map.begin(), map.end(), map.begin(), withNumbersAsDoubles);
-        return map;
-    }
-    return value;
+    if (value.isArray())
+        return toVariantList(value.toArray());
+    if (!value.isObject())
+        return value.toVariant();
+    const QJsonObject object = value.toObject();
+    QVariantMap map;
+    for (auto member = object.begin(); member != object.end(); ++member)
+        map.insert(member.key(), toVariant(*member));
+    return map;
+}
+
+QVariantList toVariantList(const QJsonArray &array)
+{
+    QVariantList list;
+    list.reserve(array.size());
+    for (const QJsonValue &value : array)
+        list.append(toVariant(value));
+    return list;
 }
 
 bool passesCheck(const QTPluginsMangerPrivate &tables, const QString &path)
@@ -327,10 +336,8 @@ void QTpluginsMangerBase::readPluginConfig(QTPluginsMangerPrivate &tables, const
         // Joined with an empty text, so that an entry without a name has an empty one, not a null one.
         const QString name = plugin.value(QLatin1String("name")).toString() + QLatin1String("");
         tables.m_names[name] = name;
-        tables.m_versions[name] = withNumbersAsDoubles(plugin.value(QLatin1String("version")).toVariant());
-        tables.m_dependencies[name] =
-            withNumbersAsDoubles(plugin.value(QLatin1String("dependencies")).toArray().toVariantList())
-                .toList();
+        tables.m_versions[name] = toVariant(plugin.value(QLatin1String("version")));
+        tables.m_dependencies[name] = toVariantList(plugin.value(QLatin1String("dependencies")).toArray());
     }
 }
 
