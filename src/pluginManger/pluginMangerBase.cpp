@@ -16,7 +16,9 @@
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace LogTexts = PluginMangerInternal::LogTexts;
@@ -45,38 +47,44 @@ public:
     bool isSound(const QString &key);
 
 private:
-    struct Level
+    enum class State { Unknown, Walking, Sound, Circular };
+
+    struct Plugin
     {
         QString key;
+        QVariant name;
+        std::optional<QVariant> version = std::nullopt;
+        State state = State::Unknown;
+        std::size_t level = 0;
+    };
+
+    struct Level
+    {
+        std::size_t plugin;
         QVariantList dependencies;
         int next = 0;
         bool sound = true;
         bool circular = false;
     };
 
-    enum class State { Walking, Sound, Circular };
-
-    struct Finding
-    {
-        State state;
-        std::size_t level;
-    };
-
-    void enter(const QString &key);
+    void listPlugins();
+    std::size_t placeOf(const QString &key);
+    std::optional<std::size_t> find(const QVariant &name) const;
+    const QVariant &versionOf(Plugin &plugin) const;
+    void enter(std::size_t place);
     void leave();
     void examine(const QVariantMap &dependency);
-    void examineSoundness(const QVariant &name, const QString &key);
+    void examineSoundness(const QVariant &name, std::size_t place);
     void reportCorrupted(const QVariant &name, const QString &key) const;
-    void reportCircular(const QVariant &name, const QString &key, std::size_t firstLevel) const;
-    std::optional<QString> keyOf(const QVariant &name);
-    void indexNames();
+    void reportCircular(const QVariant &name, const Plugin &plugin) const;
 
     const QTPluginsMangerPrivate &m_tables;
     const char *const m_function;
     std::vector<Level> m_levels;
-    QHash<QString, Finding> m_findings;
-    QHash<QString, QString> m_keysByName;
-    bool m_namesIndexed = false;
+    std::vector<Plugin>
+        m_plugins; // In the order of m_names; last, where it is not among them, what is checked.
+    std::size_t m_named = 0;
+    std::unordered_map<QString, std::size_t> m_placesByName;
     bool m_namesAreTexts = true;
 };
 
@@ -85,7 +93,8 @@ bool DependencyWalk::isSound(const QString &key)
     if (m_tables.m_dependencies.value(key).isEmpty())
         return true;
 
-    enter(key);
+    listPlugins();
+    enter(placeOf(key));
     for (;;) {
         Level &level = m_levels.back();
         if (level.next < level.dependencies.size())
@@ -97,92 +106,28 @@ bool DependencyWalk::isSound(const QString &key)
     }
 }
 
-void DependencyWalk::enter(const QString &key)
+/// Lists the described plug-ins once, so that each dependency then takes a single look-up.
+void DependencyWalk::listPlugins()
 {
-    m_findings.insert(key, {State::Walking, m_levels.size()});
-    m_levels.push_back({key, m_tables.m_dependencies.value(key)});
-}
-
-void DependencyWalk::leave()
-{
-    const Level done = m_levels.back();
-    m_levels.pop_back();
-
-    if (done.sound)
-        m_findings[done.key].state = State::Sound;
-    else if (done.circular)
-        m_findings[done.key].state = State::Circular;
-    else
-        m_findings.remove(done.key);
-
-    if (done.sound)
-        return;
-    Level &dependent = m_levels.back();
-    dependent.sound = false;
-    dependent.circular = dependent.circular || done.circular;
-    const QVariantMap dependency = dependent.dependencies.at(dependent.next - 1).toMap();
-    reportCorrupted(dependency.value(QStringLiteral("name")), done.key);
-}
-
-void DependencyWalk::examine(const QVariantMap &dependency)
-{
-    const QVariant name = dependency.value(QStringLiteral("name"));
-    const QVariant version = dependency.value(QStringLiteral("version"));
-
-    const std::optional<QString> key = keyOf(name);
-    if (!key) {
-        m_levels.back().sound = false;
-        qDebug() << m_function << " Missing dependency:" << name.toString() << "for plugin" << QString();
-        return;
+    m_named = std::size_t(m_tables.m_names.size());
+    m_plugins.reserve(m_named + 1);
+    m_placesByName.reserve(m_named);
+    for (auto entry = m_tables.m_names.constBegin(); entry != m_tables.m_names.constEnd(); ++entry) {
+        // Of equal names the first has the place.
+        m_placesByName.emplace(entry->toString(), m_plugins.size());
+        m_namesAreTexts = m_namesAreTexts && entry->userType() == QMetaType::QString;
+        m_plugins.push_back({entry.key(), *entry});
     }
-    const QVariant found = m_tables.m_versions.value(*key);
-    if (found != version) {
-        m_levels.back().sound = false;
-        qDebug() << m_function << "Version mismatch:" << name.toString() << "version" << found.toString()
-                 << "but" << version.toString() << "required for plugin" << *key;
-        return;
-    }
-    examineSoundness(name, *key);
 }
 
-void DependencyWalk::examineSoundness(const QVariant &name, const QString &key)
+std::size_t DependencyWalk::placeOf(const QString &key)
 {
-    const auto finding = m_findings.constFind(key);
-    if (finding == m_findings.constEnd()) {
-        enter(key);
-        return;
-    }
-    if (finding->state == State::Sound)
-        return;
-
-    m_levels.back().sound = false;
-    m_levels.back().circular = true;
-    if (finding->state == State::Walking)
-        reportCircular(name, key, finding->level);
-    else
-        reportCorrupted(name, key);
-}
-
-void DependencyWalk::reportCorrupted(const QVariant &name, const QString &key) const
-{
-    qDebug() << m_function << "Corrupted dependency:" << name.toString() << "for plugin" << key;
-}
-
-void DependencyWalk::reportCircular(const QVariant &name, const QString &key, std::size_t firstLevel) const
-{
-    // A long way round is shown by its ends: enough to find it, and the lines stay bounded.
-    constexpr std::size_t shownAtEachEnd = 8;
-    QStringList way;
-    for (std::size_t level = firstLevel; level < m_levels.size(); ++level) {
-        if (level == firstLevel + shownAtEachEnd && level + shownAtEachEnd < m_levels.size()) {
-            way.append(QStringLiteral("..."));
-            level = m_levels.size() - shownAtEachEnd;
-        }
-        way.append(m_levels[level].key);
-    }
-    way.append(key);
-    qDebug() << m_function << "Circular dependency:" << name.toString() << "for plugin" << key << "by way of"
-             << way.join(QStringLiteral(" -> "));
+    const auto plugin = std::find_if(m_plugins.begin(), m_plugins.end(),
+                                     [&](const Plugin &candidate) { return candidate.key == key; });
+    if (plugin != m_plugins.end())
+        return std::size_t(std::distance(m_plugins.begin(), plugin));
+    m_plugins.push_back({key, {}});
+    return m_named;
 }
 
 /// Whether a text equals this variant just when it equals the variant's own text.
@@ -192,32 +137,112 @@ bool equalsTextAsText(const QVariant &value)
     return type == QMetaType::QString || type == QMetaType::Double || type == QMetaType::Bool;
 }
 
-/// Returns the first key of m_names whose value equals `name`.
-std::optional<QString> DependencyWalk::keyOf(const QVariant &name)
+std::optional<std::size_t> DependencyWalk::find(const QVariant &name) const
 {
-    indexNames();
     if (m_namesAreTexts && equalsTextAsText(name)) {
-        const auto key = m_keysByName.constFind(name.toString());
-        return key == m_keysByName.constEnd() ? std::nullopt : std::make_optional(*key);
+        const auto place = m_placesByName.find(name.toString());
+        return place == m_placesByName.end() ? std::nullopt : std::make_optional(place->second);
     }
-    const auto end = m_tables.m_names.constEnd();
-    const auto entry = std::find(m_tables.m_names.constBegin(), end, name);
-    return entry == end ? std::nullopt : std::make_optional(entry.key());
+    for (std::size_t place = 0; place < m_named; ++place) {
+        if (m_plugins[place].name == name)
+            return place;
+    }
+    return std::nullopt;
 }
 
-void DependencyWalk::indexNames()
+const QVariant &DependencyWalk::versionOf(Plugin &plugin) const
 {
-    if (m_namesIndexed)
+    if (!plugin.version)
+        plugin.version = m_tables.m_versions.value(plugin.key);
+    return *plugin.version;
+}
+
+void DependencyWalk::enter(std::size_t place)
+{
+    Plugin &plugin = m_plugins[place];
+    plugin.state = State::Walking;
+    plugin.level = m_levels.size();
+    m_levels.push_back({place, m_tables.m_dependencies.value(plugin.key)});
+}
+
+void DependencyWalk::leave()
+{
+    const Level done = m_levels.back();
+    m_levels.pop_back();
+
+    Plugin &plugin = m_plugins[done.plugin];
+    if (done.sound) {
+        plugin.state = State::Sound;
         return;
-    m_namesIndexed = true;
-    for (auto entry = m_tables.m_names.constBegin(); entry != m_tables.m_names.constEnd(); ++entry) {
-        if (entry->userType() != QMetaType::QString) {
-            m_namesAreTexts = false;
-            return;
-        }
-        if (!m_keysByName.contains(entry->toString()))
-            m_keysByName.insert(entry->toString(), entry.key());
     }
+    plugin.state = done.circular ? State::Circular : State::Unknown;
+    Level &dependent = m_levels.back();
+    dependent.sound = false;
+    dependent.circular = dependent.circular || done.circular;
+    const QVariantMap dependency = dependent.dependencies.at(dependent.next - 1).toMap();
+    reportCorrupted(dependency.value(QStringLiteral("name")), plugin.key);
+}
+
+void DependencyWalk::examine(const QVariantMap &dependency)
+{
+    const QVariant name = dependency.value(QStringLiteral("name"));
+    const QVariant version = dependency.value(QStringLiteral("version"));
+
+    const std::optional<std::size_t> place = find(name);
+    if (!place) {
+        m_levels.back().sound = false;
+        qDebug() << m_function << " Missing dependency:" << name.toString() << "for plugin" << QString();
+        return;
+    }
+    Plugin &plugin = m_plugins[*place];
+    const QVariant &found = versionOf(plugin);
+    if (found != version) {
+        m_levels.back().sound = false;
+        qDebug() << m_function << "Version mismatch:" << name.toString() << "version" << found.toString()
+                 << "but" << version.toString() << "required for plugin" << plugin.key;
+        return;
+    }
+    examineSoundness(name, *place);
+}
+
+void DependencyWalk::examineSoundness(const QVariant &name, std::size_t place)
+{
+    const Plugin &plugin = m_plugins[place];
+    if (plugin.state == State::Unknown) {
+        enter(place);
+        return;
+    }
+    if (plugin.state == State::Sound)
+        return;
+
+    m_levels.back().sound = false;
+    m_levels.back().circular = true;
+    if (plugin.state == State::Walking)
+        reportCircular(name, plugin);
+    else
+        reportCorrupted(name, plugin.key);
+}
+
+void DependencyWalk::reportCorrupted(const QVariant &name, const QString &key) const
+{
+    qDebug() << m_function << "Corrupted dependency:" << name.toString() << "for plugin" << key;
+}
+
+void DependencyWalk::reportCircular(const QVariant &name, const Plugin &plugin) const
+{
+    // A long way round is shown by its ends: enough to find it, and the lines stay bounded.
+    constexpr std::size_t shownAtEachEnd = 8;
+    QStringList way;
+    for (std::size_t level = plugin.level; level < m_levels.size(); ++level) {
+        if (level == plugin.level + shownAtEachEnd && level + shownAtEachEnd < m_levels.size()) {
+            way.append(QStringLiteral("..."));
+            level = m_levels.size() - shownAtEachEnd;
+        }
+        way.append(m_plugins[m_levels[level].plugin].key);
+    }
+    way.append(plugin.key);
+    qDebug() << m_function << "Circular dependency:" << name.toString() << "for plugin" << plugin.key
+             << "by way of" << way.join(QStringLiteral(" -> "));
 }
 
 QVariantList toVariantList(const QJsonArray &array);
