@@ -528,7 +528,7 @@ void QTpluginsManger4CAM::recMegToPlugin(void *frame, PluginMetaData meta)
                    << " dst:" << meta.dst.toStdString() << "type:" << meta.type;
         return;
     }
-    const RegisterRecord element = registry().findRecord(meta.dst.toStdString(), frame);
+    const RegisterRecord &element = registry().findRecord(meta.dst.toStdString(), frame);
     if (element.isEmpty() || !deliverTo(meta.dst, element.object, meta))
         return;
     if (meta.type != MessageType::quiet)
@@ -551,7 +551,7 @@ void QTpluginsManger4CAM::pluginTransmitData(PluginMetaData meta)
             deliverIntoFrame(registry().findRecord(job.toStdString(), root), meta);
         } else if (dstType == QLatin1String(RecordKind::guide)) {
             const QString job = meta.data[DataKey::jobName()].toString();
-            const RegisterRecord frame =
+            const RegisterRecord &frame =
                 registry().findFrame(RecordKind::guide, guideNameOf(job).toStdString());
             if (!frame.isEmpty())
                 deliverTo(meta.dst, frame.object, meta);
@@ -647,7 +647,7 @@ void QTpluginsManger4CAM::OV_ChangeJobNameAndUpdateJob(const QString &oldJobName
     const MessageData newNameOnly{{DataKey::newJobName(), newJobName}};
     const MessageData bothNames{{DataKey::oldJobName(), oldJobName}, {DataKey::newJobName(), newJobName}};
 
-    const RegisterRecord matrix = registry().findRecord(newName, getRoot());
+    const RegisterRecord &matrix = registry().findRecord(newName, getRoot());
     if (!matrix.isEmpty()) {
         MessageData data = newNameOnly;
         data[DataKey::dstType()] = QString::fromLatin1(RecordKind::matrix);
@@ -784,7 +784,7 @@ void *QTpluginsManger4CAM::registerElement(const QString &library, const char *s
         return nullptr;
 
     const std::string name = library.toStdString();
-    const RegisterRecord record = registry().findRecord(name, parent);
+    const RegisterRecord &record = registry().findRecord(name, parent);
     if (!record.isEmpty())
         return record.object;
 
@@ -894,13 +894,12 @@ void QTpluginsManger4CAM::deliverIntoFrame(const RegisterRecord &frame, const Pl
 
 void QTpluginsManger4CAM::deliverToElementsNamed(void *parent, const PluginMetaData &message)
 {
-    for (const RegisterRecord &element : registry().collectElementsNamed(parent, message.dst.toStdString()))
-        deliverTo(message.dst, element.object, message);
+    for (void *const element : registry().collectElementsNamed(parent, message.dst.toStdString()))
+        deliverTo(message.dst, element, message);
 }
 
 void QTpluginsManger4CAM::deliverToElementsContaining(void *parent, const PluginMetaData &message)
 {
-    for (const RegisterRecord &element :
-         registry().collectElementsContaining(parent, message.dst.toStdString()))
-        deliverTo(message.dst, element.object, message);
+    for (void *const element : registry().collectElementsContaining(parent, message.dst.toStdString()))
+        deliverTo(message.dst, element, message);
 }

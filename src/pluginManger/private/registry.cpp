@@ -10,10 +10,12 @@ namespace PluginMangerInternal {
 namespace {
 
 template <typename Matches>
-RegisterRecord firstOf(const std::vector<RegisterRecord> &records, Matches matches)
+const RegisterRecord &firstOf(const std::vector<RegisterRecord> &records, Matches matches)
 {
+    // Never destroyed: hosts look things up until the process has ended.
+    static const RegisterRecord &nothing = *new RegisterRecord;
     const auto found = std::find_if(records.begin(), records.end(), matches);
-    return found == records.end() ? RegisterRecord() : *found;
+    return found == records.end() ? nothing : *found;
 }
 
 template <typename Matches>
@@ -22,6 +24,17 @@ std::vector<RegisterRecord> allOf(const std::vector<RegisterRecord> &records, Ma
     std::vector<RegisterRecord> found;
     std::copy_if(records.begin(), records.end(), std::back_inserter(found), matches);
     return found;
+}
+
+template <typename Matches>
+Registry::Objects objectsOf(const std::vector<RegisterRecord> &records, Matches matches)
+{
+    Registry::Objects objects;
+    for (const RegisterRecord &record : records) {
+        if (matches(record))
+            objects.append(record.object);
+    }
+    return objects;
 }
 
 template <typename Matches>
@@ -58,31 +71,31 @@ Registry::Registry(std::vector<RegisterRecord> &records)
 {
 }
 
-RegisterRecord Registry::findRecord(const std::string &name, const void *parent) const
+const RegisterRecord &Registry::findRecord(const std::string &name, const void *parent) const
 {
     return firstOf(m_records, [&](const RegisterRecord &record) {
         return record.parent == parent && record.name == name;
     });
 }
 
-RegisterRecord Registry::findRecordByObject(const void *object) const
+const RegisterRecord &Registry::findRecordByObject(const void *object) const
 {
     return firstOf(m_records, [&](const RegisterRecord &record) { return record.object == object; });
 }
 
-RegisterRecord Registry::findRootRecord() const
+const RegisterRecord &Registry::findRootRecord() const
 {
     return firstOf(m_records,
                    [](const RegisterRecord &record) { return record.type == RecordKind::engineerRoot; });
 }
 
-RegisterRecord Registry::findFrame(const std::string &kind, const std::string &name) const
+const RegisterRecord &Registry::findFrame(const std::string &kind, const std::string &name) const
 {
     return firstOf(m_records,
                    [&](const RegisterRecord &record) { return record.type == kind && record.name == name; });
 }
 
-RegisterRecord Registry::findGraphicFrameByKey(const std::string &key) const
+const RegisterRecord &Registry::findGraphicFrameByKey(const std::string &key) const
 {
     return firstOf(m_records, [&](const RegisterRecord &record) {
         return record.type == RecordKind::graphic && record.key == key;
@@ -99,17 +112,16 @@ std::vector<RegisterRecord> Registry::collectChildren(const void *parent) const
     return allOf(m_records, [&](const RegisterRecord &record) { return record.parent == parent; });
 }
 
-std::vector<RegisterRecord> Registry::collectElementsNamed(const void *parent, const std::string &name) const
+Registry::Objects Registry::collectElementsNamed(const void *parent, const std::string &name) const
 {
-    return allOf(m_records, [&](const RegisterRecord &record) {
+    return objectsOf(m_records, [&](const RegisterRecord &record) {
         return record.parent == parent && record.type == RecordKind::plugin && record.name == name;
     });
 }
 
-std::vector<RegisterRecord> Registry::collectElementsContaining(const void *parent,
-                                                                const std::string &text) const
+Registry::Objects Registry::collectElementsContaining(const void *parent, const std::string &text) const
 {
-    return allOf(m_records, [&](const RegisterRecord &record) {
+    return objectsOf(m_records, [&](const RegisterRecord &record) {
         return record.parent == parent && record.type == RecordKind::plugin
                && record.name.find(text) != std::string::npos;
     });

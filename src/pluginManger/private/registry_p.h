@@ -2,6 +2,8 @@
 
 #include "registerRecord.h"
 
+#include <QtCore/QVarLengthArray>
+
 #include <string>
 #include <vector>
 
@@ -20,25 +22,29 @@ inline constexpr char engineerRoot[] = "EngineerRoot";
  * The rules by which the CAM manager finds, collects, erases and renames the records of its registry.
  *
  * Works on a list that it is given and does not own. Scans go from the front and the first match wins;
- * texts are compared byte for byte. Look-ups return a copy, the empty record when nothing matches, and
- * collections are copies in list order: neither changes when the list does.
+ * texts are compared byte for byte. Look-ups return a record of the list, or the empty record when nothing
+ * matches; the reference holds until the list changes, so who needs it longer copies it. Collections are
+ * copies in list order, and do not change when the list does.
  */
 class Registry
 {
 public:
+    /// Room for as many as a message usually goes to, so that a delivery allocates none.
+    using Objects = QVarLengthArray<void *, 16>;
+
     explicit Registry(std::vector<RegisterRecord> &records);
 
-    RegisterRecord findRecord(const std::string &name, const void *parent) const;
-    RegisterRecord findRecordByObject(const void *object) const;
-    RegisterRecord findRootRecord() const;
-    RegisterRecord findFrame(const std::string &kind, const std::string &name) const;
-    RegisterRecord findGraphicFrameByKey(const std::string &key) const;
+    const RegisterRecord &findRecord(const std::string &name, const void *parent) const;
+    const RegisterRecord &findRecordByObject(const void *object) const;
+    const RegisterRecord &findRootRecord() const;
+    const RegisterRecord &findFrame(const std::string &kind, const std::string &name) const;
+    const RegisterRecord &findGraphicFrameByKey(const std::string &key) const;
 
     std::vector<RegisterRecord> collectFrames(const std::string &kind) const;
     std::vector<RegisterRecord> collectChildren(const void *parent) const;
-    /// The children that are elements and whose name equals, or contains, a text.
-    std::vector<RegisterRecord> collectElementsNamed(const void *parent, const std::string &name) const;
-    std::vector<RegisterRecord> collectElementsContaining(const void *parent, const std::string &text) const;
+    /// The objects of the children that are elements and whose name equals, or contains, a text.
+    Objects collectElementsNamed(const void *parent, const std::string &name) const;
+    Objects collectElementsContaining(const void *parent, const std::string &text) const;
 
     void appendRecord(const RegisterRecord &record);
 
