@@ -81,6 +81,26 @@ QString changeStepName()
 }
 }
 
+/// Reads a parameter, and adds an invalid one where it is missing: receivers find it in their copy. Data that
+/// has it stays shared with the sender's.
+QVariant valueOf(MessageData &data, const QString &key)
+{
+    const auto entry = qAsConst(data).constFind(key);
+    return entry == data.constEnd() ? data[key] : *entry;
+}
+
+QString textOf(MessageData &data, const QString &key)
+{
+    return valueOf(data, key).toString();
+}
+
+/// The library of the graphic frames. Kept, as every stroke of a key is sent there.
+const QString &graphicEditor()
+{
+    static const QString &library = *new QString(QString::fromLatin1(FrameFactories::graphicEditor.library));
+    return library;
+}
+
 QString separator()
 {
     return QString::fromLatin1(FrameNames::separator);
@@ -116,8 +136,7 @@ PluginMetaData makeMessage(const QString &src, const QString &dst, qint32 type, 
 /// A message to the graphic editor, which finds its own name as the sender.
 PluginMetaData makeEditorMessage(qint32 type, const MessageData &data = {})
 {
-    const QString editor = QString::fromLatin1(FrameFactories::graphicEditor.library);
-    return makeMessage(editor, editor, type, data);
+    return makeMessage(graphicEditor(), graphicEditor(), type, data);
 }
 
 /// What the matrix and guide editors are told about a new frame: the job stands in the place of the receiver.
@@ -135,8 +154,7 @@ bool isFrameKind(const QString &kind)
 
 bool isEditor(const QString &library)
 {
-    return library == QLatin1String(FrameFactories::matrix.library)
-           || library == QLatin1String(FrameFactories::graphicEditor.library)
+    return library == QLatin1String(FrameFactories::matrix.library) || library == graphicEditor()
            || library == QLatin1String(FrameFactories::camGuide.library);
 }
 
@@ -164,13 +182,13 @@ void showFailure(const char *text, Operation operation)
 std::function<bool(const std::string &)> graphicFramesToUpdate(const QString &job, MessageData &data)
 {
     const std::string prefix = job.toStdString() + FrameNames::separator;
-    const QVariant step = data[DataKey::changeStepName()];
+    const QVariant step = valueOf(data, DataKey::changeStepName());
     if (step.isValid())
         return [name = prefix + step.toString().toStdString()](const std::string &frame) {
             return frame == name;
         };
     // The second key is read, and so added, only where the first is there.
-    if (data[DataKey::oldJobName()].isValid() && data[DataKey::newJobName()].isValid())
+    if (valueOf(data, DataKey::oldJobName()).isValid() && valueOf(data, DataKey::newJobName()).isValid())
         return [prefix](const std::string &frame) {
             return frame != prefix && frame.find(prefix) != std::string::npos;
         };
@@ -430,7 +448,7 @@ QWidget *QTpluginsManger4CAM::Ov_RegisterGraphicFramework(QWidget *parent, const
 {
     return registerGraphicFrame(parent, name, [&](void *frame, const QString &job, const QString &step) {
         const QString assistant = isCamAssistant ? QStringLiteral("true") : QStringLiteral("false");
-        deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame,
+        deliverTo(graphicEditor(), frame,
                   makeEditorMessage(MessageType::frameOpened, {{DataKey::jobName(), job},
                                                                {DataKey::step(), step},
                                                                {DataKey::isCamAssistant(), assistant}}));
@@ -440,8 +458,7 @@ QWidget *QTpluginsManger4CAM::Ov_RegisterGraphicFramework(QWidget *parent, const
 QWidget *QTpluginsManger4CAM::Ov_RegisterDFMGraphicFramework(QWidget *parent, const std::string &name, bool)
 {
     return registerGraphicFrame(parent, name, [&](void *frame, const QString &, const QString &) {
-        if (deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame,
-                      makeEditorMessage(MessageType::dfmFrameOpened)))
+        if (deliverTo(graphicEditor(), frame, makeEditorMessage(MessageType::dfmFrameOpened)))
             LOG(INFO) << "ok";
     });
 }
@@ -539,18 +556,18 @@ void QTpluginsManger4CAM::pluginTransmitData(PluginMetaData meta)
 {
     showFailure("pluginTransmitData Error.", [&] {
         void *const root = getRoot();
-        const QString dstType = meta.data[DataKey::dstType()].toString();
+        const QString dstType = textOf(meta.data, DataKey::dstType());
         if (dstType == QLatin1String(RecordKind::graphic)) {
-            const QString job = meta.data[DataKey::jobName()].toString();
-            const QString step = meta.data[DataKey::step()].toString();
+            const QString job = textOf(meta.data, DataKey::jobName());
+            const QString step = textOf(meta.data, DataKey::step());
             deliverIntoFrame(registry().findRecord((job + separator() + step).toStdString(), root), meta);
         } else if (dstType == QLatin1String(RecordKind::engineerRoot)) {
             deliverToElementsNamed(root, meta);
         } else if (dstType == QLatin1String(RecordKind::matrix)) {
-            const QString job = meta.data[DataKey::jobName()].toString();
+            const QString job = textOf(meta.data, DataKey::jobName());
             deliverIntoFrame(registry().findRecord(job.toStdString(), root), meta);
         } else if (dstType == QLatin1String(RecordKind::guide)) {
-            const QString job = meta.data[DataKey::jobName()].toString();
+            const QString job = textOf(meta.data, DataKey::jobName());
             const RegisterRecord &frame =
                 registry().findFrame(RecordKind::guide, guideNameOf(job).toStdString());
             if (!frame.isEmpty())
@@ -570,12 +587,12 @@ void QTpluginsManger4CAM::transmitDataToFramework(void *frame, const PluginMetaD
 void QTpluginsManger4CAM::sendKeyBoardStatusToGraphic(void *frame, const PluginMetaData &meta)
 {
     if (!registry().findRecordByObject(frame).isEmpty())
-        deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame, meta);
+        deliverTo(graphicEditor(), frame, meta);
 }
 
 void QTpluginsManger4CAM::Eda_CAM_TransmitData(const QString &jobName, PluginMetaData meta)
 {
-    const QString dstType = meta.data[DataKey::dstType()].toString();
+    const QString dstType = textOf(meta.data, DataKey::dstType());
     Eda_setTransmitData(dstType, jobName, meta);
 }
 
@@ -600,7 +617,7 @@ void QTpluginsManger4CAM::Eda_setTransmitData(const QString &dstType, const QStr
 
 void QTpluginsManger4CAM::Ov_SetCurrentText(const QString &text, PluginMetaData meta)
 {
-    const QString dstType = meta.data[DataKey::dstType()].toString();
+    const QString dstType = textOf(meta.data, DataKey::dstType());
     setInterfaceTexts(dstType, text, meta);
 }
 
@@ -695,7 +712,7 @@ void QTpluginsManger4CAM::Ov_DeleteTreeNode(const QString &nodeType, const QStri
 
 void QTpluginsManger4CAM::Ov_UpdateJob(const QString &name, PluginMetaData meta)
 {
-    const QString dstType = meta.data[DataKey::dstType()].toString();
+    const QString dstType = textOf(meta.data, DataKey::dstType());
     if (dstType == QLatin1String(RecordKind::graphic))
         updateGraphic(name, meta);
     else if (dstType == QLatin1String(RecordKind::engineerRoot))
@@ -828,7 +845,7 @@ QWidget *QTpluginsManger4CAM::registerStepFrame(QWidget *parent, const QString &
                                                 const PluginMetaData &message)
 {
     // Told by the library that made it, or not at all: the factory may load the set anew.
-    const QPointer<QLibrary> editor = plugin(QString::fromLatin1(FrameFactories::graphicEditor.library));
+    const QPointer<QLibrary> editor = plugin(graphicEditor());
     return registerFrame(FrameFactories::graphicEditor, find, [&](QFunctionPointer factory) {
         record.object = functionAs<StepFrameFactoryFunction>(factory)(parent, job, step);
         registry().appendRecord(record);
@@ -855,8 +872,7 @@ void QTpluginsManger4CAM::closeUnregisteredFrame(void *frame)
     const std::vector<RegisterRecord> before = m_registerList;
     for (const RegisterRecord &record : before)
         registry().eraseRecord(record.name, frame);
-    deliverTo(QLatin1String(FrameFactories::graphicEditor.library), frame,
-              makeEditorMessage(MessageType::frameClosed));
+    deliverTo(graphicEditor(), frame, makeEditorMessage(MessageType::frameClosed));
 }
 
 void QTpluginsManger4CAM::deleteFrames(const std::vector<RegisterRecord> &frames, const Belongs &belongs,

@@ -10,6 +10,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QLibrary>
 #include <QtCore/QPluginLoader>
+#include <QtCore/QStringBuilder>
 #include <QtCore/QStringList>
 #include <QtWidgets/QMessageBox>
 
@@ -410,7 +411,7 @@ QLibrary *QTpluginsMangerBase::findLibrary(const QTPluginsMangerPrivate &tables,
 QPluginLoader *QTpluginsMangerBase::findQtPlugin(const QTPluginsMangerPrivate &tables,
                                                  const QString &name) const
 {
-    return tables.m_loaders.value(name + QLatin1String(".dll"));
+    return tables.m_loaders.value(name % QLatin1String(".dll"));
 }
 
 void QTpluginsMangerBase::unloadAllLibraries(QTPluginsMangerPrivate &tables)
