@@ -175,7 +175,7 @@ void countOperations(Bench::Workbench &workbench, Sender &sender)
 void weighWhatIsKept(Bench::Workbench &workbench, const QDir &libraries)
 {
     constexpr int records = 100000;
-    weigh("record of the registry, name of 35 bytes", records, [&] {
+    weigh("record of the registry (name of 35 bytes)", records, [&] {
         for (int number = 0; number < records; ++number)
             workbench.manager->insertRoot("An-element-of-the-workbench-" + std::to_string(1000000 + number),
                                           &workbench);
@@ -186,7 +186,7 @@ void weighWhatIsKept(Bench::Workbench &workbench, const QDir &libraries)
     QObject::connect(&sender, SIGNAL(sendMsgToManager(PluginMetaData)), QTpluginsManger::instance(),
                      SLOT(recMegfromPlugin(PluginMetaData)), Qt::QueuedConnection);
     const PluginMetaData message = Bench::message(QStringLiteral("File_Process"));
-    weigh("queued message, its parameters shared with the sender's", messages, [&] {
+    weigh("queued message (parameters shared with the sender's)", messages, [&] {
         for (int number = 0; number < messages; ++number)
             emit sender.sendMsgToManager(message);
     });
@@ -195,13 +195,13 @@ void weighWhatIsKept(Bench::Workbench &workbench, const QDir &libraries)
     // Two halves of one set of copies: a library that is already there costs nothing.
     const QStringList files = libraries.entryList({QStringLiteral("*.dll")}, QDir::Files);
     const int half = files.size() / 2;
-    weigh("loaded library, by QLibrary", half, [&] {
+    weigh("loaded library (by QLibrary)", half, [&] {
         for (int number = 0; number < half; ++number)
             (new QLibrary(libraries.filePath(files.at(number))))->load();
     });
     OpenBase base;
     auto *const tables = new QTPluginsMangerPrivate;
-    weigh("loaded library, by the manager", half, [&] {
+    weigh("loaded library (by the manager)", half, [&] {
         for (int number = half; number < 2 * half; ++number)
             base.loadLibraryPlugin(*tables, libraries.filePath(files.at(number)));
     });
