@@ -19,12 +19,22 @@ else()
     set(projectDir ${testDir}/embedded)
     set(where -D pluginMangerSource=${sourceDir})
 endif()
+if(toolchain)
+    list(APPEND where -D CMAKE_TOOLCHAIN_FILE=${toolchain} -D CMAKE_FIND_ROOT_PATH=${scratchDir}/moved)
+endif()
 
 run(${CMAKE_COMMAND} -S ${projectDir} -B ${scratchDir}/build -G ${generator} ${where}
     -D CMAKE_CXX_COMPILER=${compiler}
     -D CMAKE_CXX_FLAGS=${flags}
     -D CMAKE_BUILD_TYPE=${buildType})
 run(${CMAKE_COMMAND} --build ${scratchDir}/build)
+if(runtime)
+    # Windows' loader looks beside the program. What was built or installed here takes precedence.
+    file(GLOB_RECURSE built ${scratchDir}/moved/*.dll ${scratchDir}/build/*.dll)
+    file(COPY ${runtime}/platforms DESTINATION ${scratchDir}/build)
+    file(GLOB needed ${runtime}/*.dll)
+    file(COPY ${needed} ${built} DESTINATION ${scratchDir}/build)
+endif()
 run(${CMAKE_COMMAND} -E chdir ${testDir}/consumer
     ${CMAKE_COMMAND} -E env PLUGINMANGER_PATH=${testDir}/consumer HOST_DIRECTORY=${testDir}/consumer
-    ${scratchDir}/build/host)
+    ${emulator} ${scratchDir}/build/host${suffix} -platform offscreen)

@@ -11,6 +11,9 @@ int runTest(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+#ifdef LIBRARY_DIRS
+    qputenv("PATH", QByteArray(LIBRARY_DIRS ";").replace('|', ';') + qgetenv("PATH"));
+#endif
     LogLines::start(argv[0]);
     QApplication application(argc, argv);
     Test test;

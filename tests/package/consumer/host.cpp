@@ -53,7 +53,8 @@ bool useCamManager(QWidget *window)
 
 bool useDesktopManager()
 {
-    QCoreApplication::addLibraryPath(QStringLiteral(PLUGIN_DIR));
+    const QString directory = QCoreApplication::applicationDirPath();
+    QCoreApplication::addLibraryPath(directory);
     QTpluginsManger *const manager = QTpluginsManger::instance();
     manager->loadAllPlugins();
     manager->initAllPlugins();
@@ -64,7 +65,7 @@ bool useDesktopManager()
     message.dst = QStringLiteral("Own_Plugin");
     message.type = 1;
     manager->recMegfromPlugin(message);
-    QPluginLoader own(QStringLiteral(PLUGIN_DIR "/Own_Plugin.dll"));
+    QPluginLoader own(directory + QStringLiteral("/Own_Plugin.dll"));
     return expect(own.instance() && own.instance()->objectName() == message.src,
                   "the plug-in got its message");
 }
