@@ -25,14 +25,18 @@ foreach(plugin IN ITEMS Offscreen Minimal Windows)
     endif()
 endforeach()
 
+# The fonts of "offscreen", which knows no others than those in this folder.
+file(GLOB windowsFonts /usr/share/fonts/truetype/dejavu/*.ttf)
+
 # pluginmanger_place_windows_runtime(<target> <directory> [<file>...])
 #
 # Adds a target that copies all this, and further files, to the directory of a program.
 function(pluginmanger_place_windows_runtime target directory)
     add_custom_target(${target} ALL
-        COMMAND ${CMAKE_COMMAND} -E make_directory ${directory}/platforms
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${directory}/platforms ${directory}/lib/fonts
         COMMAND ${CMAKE_COMMAND} -E copy_if_different ${windowsRuntimeLibraries} ${ARGN} ${directory}
         COMMAND ${CMAKE_COMMAND} -E copy_if_different ${windowsPlatformPlugins} ${directory}/platforms
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${windowsFonts} ${directory}/lib/fonts
         COMMENT "Copying what the programs in ${directory} need"
         VERBATIM)
 endfunction()

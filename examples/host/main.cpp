@@ -89,8 +89,10 @@ void setFontSize()
 void setBaseDirectory()
 {
     const QDir base(qEnvironmentVariable("PLUGINMANGER_PATH", QCoreApplication::applicationDirPath()));
-    qputenv("PLUGINMANGER_PATH", QFile::encodeName(base.absolutePath()));
     QDir::setCurrent(base.absolutePath());
+    // The CAM manager then looks there, too. Said by the environment, a path would have to consist of letters
+    // that the code page has.
+    qunsetenv("PLUGINMANGER_PATH");
 }
 
 /// Loads the desktop tools and lets them build what they are for, with `window` as their parent.
@@ -118,7 +120,7 @@ void loadPlugins(QTpluginsManger4CAM *manager, Account &account)
 {
     account.heading(QStringLiteral("Loading"));
     account.fact(QStringLiteral("Configuration files in"),
-                 QString::fromStdString(Common::getPath() + "/" + Common::getPath_pluginconfig()));
+                 QDir().absoluteFilePath(QString::fromStdString(Common::getPath_pluginconfig())));
 
     manager->loadAllPlugins();
     account.check(QStringLiteral("CAM set loaded"), manager->isCAMLoaded());
@@ -216,11 +218,13 @@ int main(int argc, char *argv[])
 
     QTabWidget window;
     DesktopWindow desktop;
-    QTpluginsManger *const desktopManager = startDesktop(&desktop);
-    placeDesktop(desktopManager, desktop, account);
-
+    // Before the desktop tools: when Windows is asked for a library without its path, it takes what is loaded
+    // under that name from anywhere, and each set has a ListBar_PNList.dll of its own.
     QTpluginsManger4CAM *const manager = QTpluginsManger4CAM::instance();
     loadPlugins(manager, account);
+
+    QTpluginsManger *const desktopManager = startDesktop(&desktop);
+    placeDesktop(desktopManager, desktop, account);
 
     MainWindow jobs;
     insertRoot(manager, &jobs, account);

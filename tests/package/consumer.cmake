@@ -20,7 +20,10 @@ else()
     set(where -D pluginMangerSource=${sourceDir})
 endif()
 if(toolchain)
-    list(APPEND where -D CMAKE_TOOLCHAIN_FILE=${toolchain} -D CMAKE_FIND_ROOT_PATH=${scratchDir}/moved)
+    list(APPEND where
+        -D CMAKE_TOOLCHAIN_FILE=${toolchain}
+        -D PLUGINMANGER_WINDOWS_SDK=${sdk}
+        -D CMAKE_FIND_ROOT_PATH=${scratchDir}/moved)
 endif()
 
 run(${CMAKE_COMMAND} -S ${projectDir} -B ${scratchDir}/build -G ${generator} ${where}

@@ -122,7 +122,7 @@ void CamTest::replace(const QString &fileName, const QString &fixture)
 
 void CamTest::replaceByNoLibrary(const QString &fileName)
 {
-    QFile::remove(m_replaceable + '/' + fileName);
+    TestFiles::remove(m_replaceable + '/' + fileName);
     TestFiles::write(m_replaceable + '/' + fileName, "no library");
     const KeptLoaders kept;
     manager()->loadAllPlugins();
@@ -302,9 +302,10 @@ void CamTest::emptyReplaceable()
 {
     if (m_replaceable.isEmpty())
         return;
-    QDir directory(m_replaceable);
+    TestFiles::removeLeftovers(m_replaceable);
+    const QDir directory(m_replaceable, QStringLiteral("*.dll"));
     for (const QString &file : directory.entryList(QDir::Files))
-        QVERIFY(directory.remove(file));
+        TestFiles::remove(directory.filePath(file));
 }
 
 QWidget *CamTest::known(QWidget *widget, const QString &description)

@@ -251,7 +251,12 @@ void tst_CamManager::nonAsciiDirectoryIsFound()
     QVERIFY(QDir().mkpath(directory + "/pluginconfig"));
     TestFiles::write(directory + "/pluginconfig/pluginconfig4CAM.json",
                      TestFiles::configOf({"Graphic_View"}));
+    // qputenv() takes bytes, and not every code page of Windows has bytes for this.
+#ifdef Q_OS_WIN
+    QCOMPARE(_wputenv_s(L"PLUGINMANGER_PATH", qUtf16Printable(directory)), 0);
+#else
     qputenv("PLUGINMANGER_PATH", QFile::encodeName(directory));
+#endif
     manager()->loadAllPlugins();
     QVERIFY(manager()->plugin("Graphic_View.dll"));
 }

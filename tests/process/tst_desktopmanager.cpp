@@ -423,7 +423,7 @@ void tst_DesktopManager::progressBarIsNotThatOfAnEarlierMenuBar()
     QCoreApplication::setLibraryPaths({m_directory.path(), QStringLiteral(FIXTURE_DIR "/desktop")});
     loadAndInit({"MenuBar_Menu", "ProcessBar_Process"});
 
-    QVERIFY(QFile::remove(menuBar));
+    TestFiles::remove(menuBar);
     QCoreApplication::setLibraryPaths({m_directory.path()});
     TestFiles::replace(m_directory.filePath("ProcessBar_Process.dll"),
                        FIXTURE_DIR "/desktop/ProcessBar_Process.dll");
@@ -541,7 +541,7 @@ void tst_DesktopManager::staleEntryIsSkipped()
     TestFiles::replace(file, FIXTURE_DIR "/desktop/Other_Process.dll");
     QCoreApplication::addLibraryPath(m_directory.path());
     load({"Stale_Process", "File_Process"});
-    QVERIFY(QFile::remove(file));
+    TestFiles::remove(file);
     manager()->loadAllPlugins();
     QCOMPARE(m_boxes->take().size(), 1);
 

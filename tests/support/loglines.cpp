@@ -7,6 +7,8 @@
 
 #include <glog/logging.h>
 
+#include <cstdlib>
+
 namespace {
 
 QFile &logFile()
@@ -32,14 +34,16 @@ void LogLines::start(const char *program)
     google::SetLogDestination(google::GLOG_INFO, QFile::encodeName(logFile().fileName()).constData());
     for (const auto severity : {google::GLOG_WARNING, google::GLOG_ERROR, google::GLOG_FATAL})
         google::SetLogDestination(severity, "");
+    // Before the directory is removed, which on Windows cannot be done while the file is open.
+    std::atexit(google::ShutdownGoogleLogging);
 }
 
 QList<LogLines::Line> LogLines::take()
 {
     google::FlushLogFiles(google::GLOG_INFO);
     QFile &file = logFile();
-    // glog makes the file when it writes its first line.
-    if (!file.isOpen() && !file.open(QIODevice::ReadOnly))
+    // glog makes the file when it writes its first line, and ends its lines as the platform's text files do.
+    if (!file.isOpen() && !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return {};
 
     static const QRegularExpression prefix(

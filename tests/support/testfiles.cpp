@@ -1,7 +1,14 @@
 #include "testfiles.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
+
+namespace {
+
+const QString leftoverSuffix = QStringLiteral(".removed");
+
+}
 
 void TestFiles::write(const QString &path, const QByteArray &content)
 {
@@ -18,9 +25,30 @@ QByteArray TestFiles::read(const QString &path)
     return file.readAll();
 }
 
+void TestFiles::remove(const QString &path)
+{
+    if (!QFile::exists(path) || QFile::remove(path))
+        return;
+    int number = 0;
+    QString leftover;
+    do
+        leftover = path + QString::number(++number) + leftoverSuffix;
+    while (QFile::exists(leftover));
+    if (!QFile::rename(path, leftover))
+        qFatal("cannot remove %s", qPrintable(path));
+}
+
+void TestFiles::removeLeftovers(const QString &directory)
+{
+    QDir leftovers(directory, '*' + leftoverSuffix);
+    for (const QString &file : leftovers.entryList(QDir::Files))
+        leftovers.remove(file);
+}
+
 void TestFiles::replace(const QString &path, const QString &with)
 {
-    if ((QFile::exists(path) && !QFile::remove(path)) || !QFile::copy(with, path))
+    remove(path);
+    if (!QFile::copy(with, path))
         qFatal("cannot replace %s", qPrintable(path));
 }
 

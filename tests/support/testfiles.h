@@ -12,6 +12,11 @@ namespace TestFiles {
 void write(const QString &path, const QByteArray &content);
 QByteArray read(const QString &path);
 
+/// Takes a file away, if there is one. Windows lets go of no library that is loaded, but lets it have another
+/// name; the next call of removeLeftovers() deletes it if it then can.
+void remove(const QString &path);
+void removeLeftovers(const QString &directory);
+
 /// Puts a file in the place of another by a new file, as an update does.
 void replace(const QString &path, const QString &with);
 

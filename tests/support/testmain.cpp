@@ -18,7 +18,7 @@ QStringList functionsAndRows(const QString &program)
 
     QStringList found;
     const QStringList lines =
-        QString::fromLocal8Bit(process.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        QString::fromLocal8Bit(process.readAllStandardOutput()).remove('\r').split('\n', Qt::SkipEmptyParts);
     for (const QString &line : lines) {
         const QString function = line.section(' ', 1, 1);
         const QString row = line.section(' ', 2);

@@ -11,6 +11,10 @@ int runTest(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+#ifdef Q_OS_WIN
+    // Without a console, what QtTest prints would go to a debugger.
+    qputenv("QT_FORCE_STDERR_LOGGING", "1");
+#endif
 #ifdef LIBRARY_DIRS
     qputenv("PATH", QByteArray(LIBRARY_DIRS ";").replace('|', ';') + qgetenv("PATH"));
 #endif

@@ -70,7 +70,7 @@ void tst_Elements::initTestCase()
     QVERIFY(m_directory.isValid());
     QVERIFY(QDir().mkpath(m_directory.filePath("pluginconfig")));
     qputenv("PLUGINMANGER_PATH", QFile::encodeName(m_directory.path()));
-    QFile::remove(replaceable);
+    TestFiles::remove(replaceable);
 
     QStringList names;
     for (const ElementRow &row : elementTable())
@@ -94,7 +94,7 @@ void tst_Elements::cleanup()
 
 void tst_Elements::cleanupTestCase()
 {
-    QFile::remove(replaceable);
+    TestFiles::remove(replaceable);
 }
 
 void tst_Elements::addRows()

@@ -334,7 +334,7 @@ void tst_LoadLibrary::failedReloadLeavesNoEntry()
     const QString path = m_directory.filePath("Vanishing.dll");
     TestFiles::replace(path, healthy);
     load(path);
-    QVERIFY(QFile::remove(path));
+    TestFiles::remove(path);
     load(path);
 
     QCOMPARE(m_boxes.take().size(), 1);
