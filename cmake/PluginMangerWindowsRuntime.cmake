@@ -25,7 +25,7 @@ foreach(plugin IN ITEMS Offscreen Minimal Windows)
     endif()
 endforeach()
 
-# The fonts of "offscreen", which knows no others than those in this folder.
+# "offscreen" knows no fonts but those in a folder beside the program.
 file(GLOB windowsFonts /usr/share/fonts/truetype/dejavu/*.ttf)
 
 # pluginmanger_place_windows_runtime(<target> <directory> [<file>...])

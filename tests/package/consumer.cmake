@@ -33,7 +33,10 @@ run(${CMAKE_COMMAND} -S ${projectDir} -B ${scratchDir}/build -G ${generator} ${w
 run(${CMAKE_COMMAND} --build ${scratchDir}/build)
 if(runtime)
     # Windows' loader looks beside the program. What was built or installed here takes precedence.
-    file(GLOB_RECURSE built ${scratchDir}/moved/*.dll ${scratchDir}/build/*.dll)
+    file(GLOB built ${scratchDir}/moved/bin/*.dll)
+    if(mode STREQUAL "embedded")
+        file(GLOB_RECURSE built ${scratchDir}/build/pluginManger/*.dll)
+    endif()
     file(COPY ${runtime}/platforms DESTINATION ${scratchDir}/build)
     file(GLOB needed ${runtime}/*.dll)
     file(COPY ${needed} ${built} DESTINATION ${scratchDir}/build)
