@@ -29,6 +29,7 @@ private slots:
     void failureOfAnInnerOperationThatDoesNotShowItIsTheOuterOnes();
     void managerWorksWhileTheBoxIsOpen();
     void eachFailureHasItsBox();
+    void pluginThrowsAcrossTheBordersOfLibraries();
 
 private:
     struct Scene
@@ -521,6 +522,23 @@ void tst_Exceptions::eachFailureHasItsBox()
     QCOMPARE(deliveries().list.size(), 2);
     QCOMPARE(boxes().size(), 2);
     QCOMPARE(log(), (QList<LogLines::Line>{error("updateMatrix Error."), error("updateMatrix Error.")}));
+}
+
+// What the other tests throw is their own; this comes out of a plug-in, with a class of its own.
+void tst_Exceptions::pluginThrowsAcrossTheBordersOfLibraries()
+{
+    const QString throwing = QStringLiteral(FIXTURE_DIR "/throwing/Throwing");
+    load({throwing});
+    element(throwing + ".dll", static_cast<QWidget *>(manager()->getRoot()));
+    const auto send = [&](const QString &src) {
+        manager()->pluginTransmitData(message(throwing + ".dll", {{"DstType", "EngineerRoot"}}, 1, src));
+    };
+
+    send("pointer");
+    QCOMPARE(boxes().size(), 1);
+    QCOMPARE(log(), QList<LogLines::Line>{error(transmitError.toLatin1())});
+    QVERIFY_EXCEPTION_THROWN(send("value"), QException);
+    QVERIFY_EXCEPTION_THROWN(send("standard"), std::runtime_error);
 }
 
 int main(int argc, char **argv)

@@ -1,3 +1,10 @@
+// Whatever macros Windows' own headers define, such as ERROR, interface, small, near and far.
+#ifdef _WIN32
+#    include <windows.h>
+
+#    include <objbase.h>
+#endif
+
 // Every header of the desktop interfaces stands on its own: each is included before anything else.
 #include "FileProcess.h"
 #include "MenuBar.h"
@@ -11,7 +18,12 @@
 #include "ViewWidget.h"
 #include "Viewbar_Status.h"
 
+#include "pluginManger.h"
+#include "pluginManger4CAM.h"
+#include "registerRecord.h"
 #include "testmain.h"
+
+#include <glog/logging.h>
 
 #include <type_traits>
 
@@ -24,6 +36,7 @@ private slots:
     void identifiersNameClassAndVersion();
     void interfacesArePureAndDestroyedVirtually();
     void operationsHaveTheirFixedTypes();
+    void errorIsASeverityBesideThePlatformsHeaders();
 };
 
 template <typename Interface>
@@ -92,6 +105,12 @@ void tst_Interfaces::operationsHaveTheirFixedTypes()
     QVERIFY(hasType<void (MenuBar::*)(QWidget *)>(&MenuBar::attachTo));
     QVERIFY(hasType<QMenu *(MenuBar::*)()>(&MenuBar::createHelpMenu));
     QVERIFY(hasType<void (ProcessBar_Process::*)(int)>(&ProcessBar_Process::setValue));
+}
+
+void tst_Interfaces::errorIsASeverityBesideThePlatformsHeaders()
+{
+    LOG(ERROR) << "logged";
+    QCOMPARE(LogLines::take(), (QList<LogLines::Line>{{'E', "tst_interfaces", "logged"}}));
 }
 
 int main(int argc, char **argv)

@@ -9,6 +9,11 @@
 #include <QtCore/QLibrary>
 #include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTextCodec>
+
+#ifdef Q_OS_WIN
+#    include <windows.h>
+#endif
 
 using LogLines::Line;
 
@@ -19,6 +24,35 @@ const QString healthy = QStringLiteral(FIXTURE_DIR "/healthy/Any_Library.dll");
 QString broken(const char *file)
 {
     return QStringLiteral(FIXTURE_DIR "/") + QLatin1String(file);
+}
+
+#ifdef Q_OS_WIN
+constexpr char undefinedFunction[] = "undefined_entry/Undefined_Entry.dll";
+#else
+constexpr char undefinedFunction[] = "undefined_symbol/Undefined_Symbol.dll";
+#endif
+
+/// Wine puts a stub in the place of a function that a library does not have, and loads the one that wants it.
+bool underWine()
+{
+#ifdef Q_OS_WIN
+    return QLibrary::resolve(QStringLiteral("ntdll"), "wine_get_version") != nullptr;
+#else
+    return false;
+#endif
+}
+
+/// What a Chinese console makes of bytes.
+QString inCodePage936(const QByteArray &bytes)
+{
+#ifdef Q_OS_WIN
+    QString text(bytes.size(), QChar());
+    text.resize(MultiByteToWideChar(936, MB_ERR_INVALID_CHARS, bytes.constData(), bytes.size(),
+                                    reinterpret_cast<wchar_t *>(text.data()), text.size()));
+    return text;
+#else
+    return QTextCodec::codecForName("GB18030")->toUnicode(bytes);
+#endif
 }
 
 QString reasonAgainst(const QString &path)
@@ -40,10 +74,17 @@ private slots:
 
     void loadedLibraryIsListedUnderItsPath();
     void bareNameIsFoundByTheLoader();
+    void bareNameIsNotLookedForWhereQtPluginsLie();
+    void bareNameOfALoadedLibrary();
+    void ownPathBesideALoadedBareName();
+    void anyLettersMayStandInThePath_data();
+    void anyLettersMayStandInThePath();
+    void longPathIsLoadedOrReported();
     void findComparesThePathAsGiven();
     void findLoadsNothing();
     void loadingAgainReplacesTheLoader();
     void loadingAgainReadsTheFileAnew();
+    void fileIsFreeOnceItsLibraryIsUnloaded();
     void libraryWithAnotherOwnerIsListedAnew();
     void nameWithoutLibrarySuffixIsRefused_data();
     void nameWithoutLibrarySuffixIsRefused();
@@ -55,6 +96,8 @@ private slots:
     void defectOfADependencyKeepsTheLibraryOut();
     void failedLoadIsLoggedAndShown_data();
     void failedLoadIsLoggedAndShown();
+    void reasonIsGivenInTheLanguageOfTheSystem();
+    void logTextsAreReadInCodePage936();
     void failedLoadLeavesTheOthers();
     void failedReloadLeavesNoEntry();
     void libraryThatAppearsLaterIsLoaded();
@@ -120,6 +163,86 @@ void tst_LoadLibrary::bareNameIsFoundByTheLoader()
     QVERIFY(m_base.findLibrary(m_tables, "Graphic_View.dll")->resolve("GetViewInstance"));
 }
 
+void tst_LoadLibrary::bareNameIsNotLookedForWhereQtPluginsLie()
+{
+    const KeptLoaders keptLoaders;
+    QCoreApplication::addLibraryPath(broken("null_factory"));
+    load("Null_Factory.dll");
+    QCoreApplication::removeLibraryPath(broken("null_factory"));
+
+    QVERIFY(m_tables.m_libraries.isEmpty());
+    QCOMPARE(m_boxes.take().size(), 1);
+}
+
+// Two libraries of one name: whoever asks Windows for a bare name gets what is loaded under it.
+void tst_LoadLibrary::bareNameOfALoadedLibrary()
+{
+    const QString withoutFactory = broken("without_factory/Graphic_View.dll");
+    load(withoutFactory);
+    load("Graphic_View.dll");
+
+    QVERIFY(!m_base.findLibrary(m_tables, withoutFactory)->resolve("GetViewInstance"));
+#ifdef Q_OS_WIN
+    QVERIFY(!m_base.findLibrary(m_tables, "Graphic_View.dll")->resolve("GetViewInstance"));
+#else
+    QVERIFY(m_base.findLibrary(m_tables, "Graphic_View.dll")->resolve("GetViewInstance"));
+#endif
+}
+
+// The other way round each gets its own, on Windows, too.
+void tst_LoadLibrary::ownPathBesideALoadedBareName()
+{
+    const QString withoutFactory = broken("without_factory/Graphic_View.dll");
+    load("Graphic_View.dll");
+    load(withoutFactory);
+
+    QVERIFY(m_base.findLibrary(m_tables, "Graphic_View.dll")->resolve("GetViewInstance"));
+    QVERIFY(!m_base.findLibrary(m_tables, withoutFactory)->resolve("GetViewInstance"));
+}
+
+void tst_LoadLibrary::anyLettersMayStandInThePath_data()
+{
+    QTest::addColumn<QString>("directory");
+    QTest::newRow("blanks") << "with some blanks";
+    QTest::newRow("Chinese") << "电路板 工作目录";
+    QTest::newRow("in no code page but UTF-8") << "größe 电路板 𠀀 ☃";
+    // With the drive, the file's name and the closing null, one short of what Windows allows.
+    const int rest = 259 - m_directory.path().size() - int(qstrlen("//Any_Library.dll"));
+    QTest::newRow("as long as Windows allows")
+        << QString(rest / 2, 'x') + '/' + QString(rest - rest / 2 - 1, 'y');
+}
+
+void tst_LoadLibrary::anyLettersMayStandInThePath()
+{
+    QFETCH(QString, directory);
+    QVERIFY(QDir(m_directory.path()).mkpath(directory));
+    const QString path = m_directory.filePath(directory + "/Any_Library.dll");
+    TestFiles::replace(path, healthy);
+    load(path);
+
+    QVERIFY(m_base.findLibrary(m_tables, path));
+    QVERIFY(m_base.findLibrary(m_tables, path)->resolve("recMsgFromManager"));
+    QCOMPARE(LogLines::take(), QList<Line>());
+}
+
+// Windows refuses such a path, unless the system and the program both allow it.
+void tst_LoadLibrary::longPathIsLoadedOrReported()
+{
+    const KeptLoaders keptLoaders;
+    const QString directory = QString(200, 'x') + '/' + QString(200, 'y');
+    QVERIFY(QDir(m_directory.path()).mkpath(directory));
+    const QString path = m_directory.filePath(directory + "/Any_Library.dll");
+    TestFiles::replace(path, healthy);
+    load(path);
+
+    const bool loaded = m_base.findLibrary(m_tables, path);
+    QCOMPARE(m_boxes.take().size(), loaded ? 0 : 1);
+    QCOMPARE(LogLines::take().size(), loaded ? 0 : 1);
+#ifndef Q_OS_WIN
+    QVERIFY(loaded);
+#endif
+}
+
 void tst_LoadLibrary::findComparesThePathAsGiven()
 {
     load("Graphic_View.dll");
@@ -159,6 +282,20 @@ void tst_LoadLibrary::loadingAgainReadsTheFileAnew()
     load(path);
     QVERIFY(m_base.findLibrary(m_tables, path));
     QVERIFY(!m_base.findLibrary(m_tables, path)->resolve("GetPluginDFMInstance"));
+}
+
+// Windows locks the file of a loaded library.
+void tst_LoadLibrary::fileIsFreeOnceItsLibraryIsUnloaded()
+{
+    const QString path = m_directory.filePath("Used.dll");
+    TestFiles::replace(path, healthy);
+    load(path);
+#ifdef Q_OS_WIN
+    QVERIFY(!QFile::remove(path));
+    QVERIFY(!QFile(path).open(QIODevice::ReadWrite));
+#endif
+    m_base.unloadAllLibraries(m_tables);
+    QVERIFY(QFile::remove(path));
 }
 
 void tst_LoadLibrary::libraryWithAnotherOwnerIsListedAnew()
@@ -288,9 +425,8 @@ void tst_LoadLibrary::failedLoadIsLoggedAndShown_data()
     QTest::newRow("empty file") << makeFile("empty_file.dll", {});
     QTest::newRow("truncated library") << makeFile("truncated_library.dll", library.left(200));
     QTest::newRow("missing needed library") << broken("missing_needed_library/Missing_Needed_Library.dll");
-#ifndef Q_OS_WIN
-    QTest::newRow("undefined symbol") << broken("undefined_symbol/Undefined_Symbol.dll");
-#endif
+    if (!underWine())
+        QTest::newRow("undefined symbol") << broken(undefinedFunction);
 }
 
 void tst_LoadLibrary::failedLoadIsLoggedAndShown()
@@ -314,6 +450,29 @@ void tst_LoadLibrary::failedLoadIsLoggedAndShown()
     QCOMPARE(boxes.first().icon, QMessageBox::Information);
     QVERIFY(boxes.first().modal);
     QVERIFY(!boxes.first().hasParent);
+}
+
+void tst_LoadLibrary::reasonIsGivenInTheLanguageOfTheSystem()
+{
+    const KeptLoaders keptLoaders;
+    load("Absent.dll");
+    QCOMPARE(m_boxes.take().size(), 1);
+#ifdef Q_OS_WIN
+    const QString reason = qt_error_string(ERROR_MOD_NOT_FOUND);
+    if (GetACP() == 936)
+        QVERIFY2(reason.contains("找不到"), qPrintable(reason));
+#else
+    const QString reason = "No such file or directory";
+#endif
+    const QByteArray text = LogLines::take().first().text;
+    QVERIFY2(text.contains(reason.toUtf8()), text.constData());
+}
+
+void tst_LoadLibrary::logTextsAreReadInCodePage936()
+{
+    load("notes.txt");
+    QCOMPARE(inCodePage936(LogLines::take().first().text),
+             QStringLiteral("目标路径内没有库文件！路径：notes.txt"));
 }
 
 void tst_LoadLibrary::failedLoadLeavesTheOthers()
@@ -356,16 +515,19 @@ void tst_LoadLibrary::libraryThatAppearsLaterIsLoaded()
 void tst_LoadLibrary::undefinedFunctionFailsAtLoadWithItsReason()
 {
     const KeptLoaders keptLoaders;
-#ifdef Q_OS_WIN
-    QSKIP("Windows does not link a library that calls a function nobody has.");
-#endif
-    load(broken("undefined_symbol/Undefined_Symbol.dll"));
+    if (underWine())
+        QSKIP("Wine loads such a library and ends the program when it calls the function.");
+    load(broken(undefinedFunction));
 
     QCOMPARE(m_boxes.take().size(), 1);
     const QList<Line> lines = LogLines::take();
     QCOMPARE(lines.size(), 1);
-    QVERIFY2(lines.first().text.contains("undefined symbol: _Z24functionThatNoLibraryHasv"),
-             lines.first().text.constData());
+#ifdef Q_OS_WIN
+    const QByteArray reason = qt_error_string(ERROR_PROC_NOT_FOUND).toUtf8();
+#else
+    const QByteArray reason = "undefined symbol: _Z24functionThatNoLibraryHasv";
+#endif
+    QVERIFY2(lines.first().text.contains(reason), lines.first().text.constData());
 }
 
 void tst_LoadLibrary::libraryWithoutEntryPointLoads()

@@ -40,6 +40,8 @@ private slots:
 
     void loadedPluginIsListedUnderItsPath();
     void bareNameIsFoundInTheLibraryPaths();
+    void bareNameIsNotLookedForWhereLibrariesLie();
+    void anyLettersMayStandInThePath();
     void findAppendsTheSuffix();
     void interfaceIsFoundInTheRootObject();
     void loadingAgainReplacesTheLoader();
@@ -101,6 +103,30 @@ void tst_LoadQtPlugin::bareNameIsFoundInTheLibraryPaths()
     QCOMPARE(m_tables.m_loaders.keys(), QStringList("File_Process.dll"));
     QCOMPARE(m_tables.m_loaders.value("File_Process.dll")->fileName(),
              QFileInfo(healthy).canonicalFilePath());
+}
+
+// Windows' own loader would look in the current directory.
+void tst_LoadQtPlugin::bareNameIsNotLookedForWhereLibrariesLie()
+{
+    const KeptLoaders keptLoaders;
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(QStringLiteral(FIXTURE_DIR "/not_a_plugin_interface")));
+    load("Not_A_Plugin_Interface.dll");
+    QVERIFY(QDir::setCurrent(before));
+
+    QVERIFY(m_tables.m_loaders.isEmpty());
+    QCOMPARE(m_boxes.take().size(), 1);
+}
+
+void tst_LoadQtPlugin::anyLettersMayStandInThePath()
+{
+    QVERIFY(QDir(m_directory.path()).mkpath("größe 电路板 𠀀 ☃"));
+    const QString path = m_directory.filePath("größe 电路板 𠀀 ☃/插件.dll");
+    TestFiles::replace(path, healthy);
+    load(path);
+
+    QVERIFY(m_tables.m_loaders.value(path));
+    QVERIFY(dynamic_cast<PluginInterface *>(m_tables.m_loaders.value(path)->instance()));
 }
 
 void tst_LoadQtPlugin::findAppendsTheSuffix()

@@ -35,6 +35,7 @@ private slots:
     void syntaxErrorIsLoggedAndAddsNothing_data();
     void syntaxErrorIsLoggedAndAddsNothing();
     void pathInTheLogIsUtf8();
+    void longPathIsRead();
 
 private:
     QString write(const QByteArray &content);
@@ -253,6 +254,18 @@ void tst_PluginConfig::pathInTheLogIsUtf8()
     const QList<Line> lines = LogLines::take();
     QCOMPARE(lines.size(), 1);
     QVERIFY(lines.first().text.endsWith("\xe4\xbd\x9c\xe4\xb8\x9a \xe7\x9b\xae\xe5\xbd\x95.json"));
+}
+
+void tst_PluginConfig::longPathIsRead()
+{
+    const QString directory = QString(200, 'x') + "/电路板 " + QString(200, 'y');
+    QVERIFY(QDir(m_directory.path()).mkpath(directory));
+    const QString path = m_directory.filePath(directory + "/pluginconfig.json");
+    TestFiles::write(path, R"({"pluginList": [{"name": "A"}]})");
+    m_base.readPluginConfig(m_tables, path);
+
+    QCOMPARE(m_tables.m_names.keys(), QStringList("A"));
+    QCOMPARE(LogLines::take(), QList<Line>());
 }
 
 int main(int argc, char **argv)
