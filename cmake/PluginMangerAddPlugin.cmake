@@ -42,6 +42,10 @@ function(pluginmanger_add_plugin name)
 
     # A library with unique symbols never leaves memory on Linux, however often it is unloaded.
     target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+    if(MSVC)
+        # Entry points are extern "C" and may throw, which this compiler believes of no such function by default.
+        target_compile_options(${name} PRIVATE /EHc-)
+    endif()
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         string(TOUPPER "${CMAKE_BUILD_TYPE}" config)
         get_target_property(options ${name} COMPILE_OPTIONS)

@@ -2,7 +2,8 @@
 function(pluginmanger_compile_options target)
     target_compile_definitions(${target} PRIVATE QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
     if(MSVC)
-        target_compile_options(${target} PRIVATE /W4 /utf-8 $<$<BOOL:${PLUGINMANGER_WARNINGS_AS_ERRORS}>:/WX>)
+        target_compile_options(${target} PRIVATE
+            /W4 /utf-8 /permissive- /Zc:__cplusplus $<$<BOOL:${PLUGINMANGER_WARNINGS_AS_ERRORS}>:/WX>)
     else()
         target_compile_options(${target} PRIVATE
             -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual

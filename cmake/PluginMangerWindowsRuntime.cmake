@@ -33,10 +33,12 @@ file(GLOB windowsFonts /usr/share/fonts/truetype/dejavu/*.ttf)
 # Adds a target that copies all this, and further files, to the directory of a program.
 function(pluginmanger_place_windows_runtime target directory)
     add_custom_target(${target} ALL
-        COMMAND ${CMAKE_COMMAND} -E make_directory ${directory}/platforms ${directory}/lib/fonts
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${directory}/platforms
         COMMAND ${CMAKE_COMMAND} -E copy_if_different ${windowsRuntimeLibraries} ${ARGN} ${directory}
         COMMAND ${CMAKE_COMMAND} -E copy_if_different ${windowsPlatformPlugins} ${directory}/platforms
-        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${windowsFonts} ${directory}/lib/fonts
         COMMENT "Copying what the programs in ${directory} need"
         VERBATIM)
+    if(windowsFonts)
+        file(COPY ${windowsFonts} DESTINATION ${directory}/lib/fonts)
+    endif()
 endfunction()

@@ -98,6 +98,7 @@ private slots:
     void failedLoadIsLoggedAndShown();
     void reasonIsGivenInTheLanguageOfTheSystem();
     void logTextsAreReadInCodePage936();
+    void neededLibraryIsNotLookedForBesideThePlugin();
     void failedLoadLeavesTheOthers();
     void failedReloadLeavesNoEntry();
     void libraryThatAppearsLaterIsLoaded();
@@ -473,6 +474,21 @@ void tst_LoadLibrary::logTextsAreReadInCodePage936()
     load("notes.txt");
     QCOMPARE(inCodePage936(LogLines::take().first().text),
              QStringLiteral("目标路径内没有库文件！路径：notes.txt"));
+}
+
+void tst_LoadLibrary::neededLibraryIsNotLookedForBesideThePlugin()
+{
+    const KeptLoaders keptLoaders;
+    const QString plugin = m_directory.filePath("Missing_Needed_Library.dll");
+    TestFiles::replace(plugin, broken("missing_needed_library/Missing_Needed_Library.dll"));
+    const QFileInfoList needed = QDir(broken("elsewhere")).entryInfoList(QDir::Files);
+    QVERIFY(!needed.isEmpty());
+    for (const QFileInfo &library : needed)
+        TestFiles::replace(m_directory.filePath(library.fileName()), library.filePath());
+    load(plugin);
+
+    QVERIFY(m_tables.m_libraries.isEmpty());
+    QCOMPARE(m_boxes.take().size(), 1);
 }
 
 void tst_LoadLibrary::failedLoadLeavesTheOthers()
