@@ -1,17 +1,25 @@
-# Installs the libraries, their headers and the CMake package that finds them.
+# Installs the libraries, their headers, the files by which CMake and pkg-config find them, the tools and the
+# examples. Whatever of it lies beside each other may be moved together afterwards.
+#
+# Components: runtime, development, tools, examples, documentation.
 include(CMakePackageConfigHelpers)
 
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/pluginManger)
 set(headerDir ${CMAKE_INSTALL_INCLUDEDIR}/pluginManger)
+set(pkgConfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(dataDir ${CMAKE_INSTALL_DATADIR}/pluginManger)
 
 install(TARGETS pluginManger pluginManger_interfaces pluginManger_COMMON
     EXPORT pluginMangerTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    PUBLIC_HEADER DESTINATION ${headerDir}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+    PUBLIC_HEADER DESTINATION ${headerDir} COMPONENT development
     INCLUDES DESTINATION ${headerDir})
-install(EXPORT pluginMangerTargets NAMESPACE pluginManger:: DESTINATION ${packageDir})
+install(EXPORT pluginMangerTargets
+    NAMESPACE pluginManger::
+    DESTINATION ${packageDir}
+    COMPONENT development)
 
 configure_package_config_file(cmake/pluginMangerConfig.cmake.in
     ${PROJECT_BINARY_DIR}/pluginMangerConfig.cmake
@@ -22,4 +30,30 @@ install(FILES
     ${PROJECT_BINARY_DIR}/pluginMangerConfig.cmake
     ${PROJECT_BINARY_DIR}/pluginMangerConfigVersion.cmake
     cmake/PluginMangerAddPlugin.cmake
-    DESTINATION ${packageDir})
+    DESTINATION ${packageDir}
+    COMPONENT development)
+
+file(RELATIVE_PATH prefixFromPkgConfig /${pkgConfigDir} /)
+string(REGEX REPLACE "/$" "" prefixFromPkgConfig ${prefixFromPkgConfig})
+configure_file(cmake/pluginManger.pc.in ${PROJECT_BINARY_DIR}/pluginManger.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/pluginManger.pc DESTINATION ${pkgConfigDir} COMPONENT development)
+install(FILES schema/pluginconfig.schema.json DESTINATION ${dataDir} COMPONENT development)
+
+file(RELATIVE_PATH dataFromBin /${CMAKE_INSTALL_BINDIR} /${dataDir})
+if(WIN32)
+    set(newPlugin pluginmanger-new-plugin.cmd)
+else()
+    set(newPlugin pluginmanger-new-plugin)
+endif()
+configure_file(tools/newPlugin/${newPlugin}.in ${PROJECT_BINARY_DIR}/${newPlugin} @ONLY)
+install(PROGRAMS ${PROJECT_BINARY_DIR}/${newPlugin} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+install(DIRECTORY tools/newPlugin
+    DESTINATION ${dataDir}
+    COMPONENT tools
+    PATTERN "pluginmanger-new-plugin*" EXCLUDE)
+
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT examples)
+install(FILES README.md README.zh-CN.md CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT documentation)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)

@@ -1,4 +1,4 @@
-# What cpack packs for Windows: the library for those who build against it, and the example host with all that
+# What cpack packs for Windows beside the rest: the library for those who build against it, and the example host with all that
 # it needs, ready to run.
 include(PluginMangerWindowsRuntime)
 
@@ -17,4 +17,3 @@ endif()
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME pluginManger-${PROJECT_VERSION}-windows-x86_64)
-include(CPack)

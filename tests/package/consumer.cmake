@@ -1,46 +1,104 @@
-# cmake -D mode=installed|embedded ... -P consumer.cmake
+# cmake -D mode=installed|embedded|system ... -P consumer.cmake
 #
 # Builds and runs somebody else's project: against the installed package, which has been moved since it was
-# installed, or with the library's sources as a part of the project.
+# installed; with the library's sources as a part of the project; or against the package of the system. What is
+# installed is used by find_package() and again by pkg-config.
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
         message(FATAL_ERROR "failed (${result}): ${ARGN}\n${output}")
     endif()
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+function(run_host host)
+    run(${CMAKE_COMMAND} -E chdir ${testDir}/consumer
+        ${CMAKE_COMMAND} -E env PLUGINMANGER_PATH=${testDir}/consumer HOST_DIRECTORY=${testDir}/consumer
+        ${emulator} ${host}${suffix} -platform offscreen)
+endfunction()
+
+# Windows' loader looks beside the program. What was built or installed here takes precedence.
+function(place_runtime directory)
+    if(runtime)
+        file(GLOB built ${scratchDir}/moved/bin/*.dll)
+        if(mode STREQUAL "embedded")
+            file(GLOB_RECURSE built ${scratchDir}/build/pluginManger/*.dll)
+        endif()
+        file(COPY ${runtime}/platforms DESTINATION ${directory})
+        file(GLOB needed ${runtime}/*.dll)
+        file(COPY ${needed} ${built} DESTINATION ${directory})
+    endif()
+endfunction()
+
+function(build_by_cmake)
+    run(${CMAKE_COMMAND} -S ${projectDir} -B ${scratchDir}/build -G ${generator} ${ARGN} ${cross}
+        -D CMAKE_CXX_COMPILER=${compiler}
+        -D CMAKE_CXX_FLAGS=${flags}
+        -D CMAKE_BUILD_TYPE=${buildType})
+    run(${CMAKE_COMMAND} --build ${scratchDir}/build)
+    place_runtime(${scratchDir}/build)
+    run_host(${scratchDir}/build/host)
+endfunction()
+
+# The commands of somebody who has no build system.
+function(build_by_pkg_config)
+    set(pkgConfig pkg-config)
+    if(ARGN)
+        file(GLOB pkgConfigDir ${ARGN}/lib*/pkgconfig ${ARGN}/lib/*/pkgconfig)
+        set(pkgConfig ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pkgConfigDir} pkg-config)
+    endif()
+    foreach(asked --cflags --libs --variable=libdir --variable=schema)
+        run(${pkgConfig} ${asked} pluginManger)
+        string(STRIP "${output}" output)
+        string(REGEX REPLACE "^--(variable=)?" "" answer ${asked})
+        separate_arguments(${answer} UNIX_COMMAND "${output}")
+    endforeach()
+    if(NOT EXISTS ${schema})
+        message(FATAL_ERROR "pkg-config names a schema that is not there: ${schema}")
+    endif()
+    run(pkg-config --variable=host_bins Qt5Core)
+    string(STRIP "${output}" qtTools)
+
+    set(directory ${scratchDir}/byPkgConfig)
+    file(MAKE_DIRECTORY ${directory})
+    separate_arguments(flags UNIX_COMMAND "${flags}")
+    set(compile ${compiler} ${flags} -std=c++17 -fPIC -I${directory} ${cflags})
+    run(${qtTools}/moc ${testDir}/consumer/qtplugin.cpp -o ${directory}/qtplugin.moc)
+    foreach(plugin plugin.cpp=Graphic_View qtplugin.cpp=Own_Plugin)
+        string(REPLACE "=" ";" plugin ${plugin})
+        list(GET plugin 0 source)
+        list(GET plugin 1 name)
+        run(${compile} -shared -fvisibility=hidden ${testDir}/consumer/${source} -o ${directory}/${name}.dll
+            ${libs})
+    endforeach()
+    run(${compile} ${testDir}/consumer/host.cpp -o ${directory}/host
+        ${libs} -lpluginMangerCommon -Wl,--disable-new-dtags,-rpath,${directory}:${libdir})
+    run_host(${directory}/host)
 endfunction()
 
 file(REMOVE_RECURSE ${scratchDir})
-if(mode STREQUAL "installed")
-    set(projectDir ${testDir}/consumer)
-    run(${CMAKE_COMMAND} --install ${buildDir} --prefix ${scratchDir}/installed)
-    file(RENAME ${scratchDir}/installed ${scratchDir}/moved)
-    set(where -D CMAKE_PREFIX_PATH=${scratchDir}/moved)
-else()
-    set(projectDir ${testDir}/embedded)
-    set(where -D pluginMangerSource=${sourceDir})
-endif()
+set(cross)
 if(toolchain)
-    list(APPEND where
+    set(cross
         -D CMAKE_TOOLCHAIN_FILE=${toolchain}
         -D PLUGINMANGER_WINDOWS_SDK=${sdk}
         -D CMAKE_FIND_ROOT_PATH=${scratchDir}/moved)
 endif()
-
-run(${CMAKE_COMMAND} -S ${projectDir} -B ${scratchDir}/build -G ${generator} ${where}
-    -D CMAKE_CXX_COMPILER=${compiler}
-    -D CMAKE_CXX_FLAGS=${flags}
-    -D CMAKE_BUILD_TYPE=${buildType})
-run(${CMAKE_COMMAND} --build ${scratchDir}/build)
-if(runtime)
-    # Windows' loader looks beside the program. What was built or installed here takes precedence.
-    file(GLOB built ${scratchDir}/moved/bin/*.dll)
-    if(mode STREQUAL "embedded")
-        file(GLOB_RECURSE built ${scratchDir}/build/pluginManger/*.dll)
-    endif()
-    file(COPY ${runtime}/platforms DESTINATION ${scratchDir}/build)
-    file(GLOB needed ${runtime}/*.dll)
-    file(COPY ${needed} ${built} DESTINATION ${scratchDir}/build)
+if(mode STREQUAL "embedded")
+    set(projectDir ${testDir}/embedded)
+    build_by_cmake(-D pluginMangerSource=${sourceDir})
+    return()
 endif()
-run(${CMAKE_COMMAND} -E chdir ${testDir}/consumer
-    ${CMAKE_COMMAND} -E env PLUGINMANGER_PATH=${testDir}/consumer HOST_DIRECTORY=${testDir}/consumer
-    ${emulator} ${scratchDir}/build/host${suffix} -platform offscreen)
+
+set(projectDir ${testDir}/consumer)
+if(mode STREQUAL "installed")
+    run(${CMAKE_COMMAND} --install ${buildDir} --prefix ${scratchDir}/installed)
+    file(RENAME ${scratchDir}/installed ${scratchDir}/moved)
+    build_by_cmake(-D CMAKE_PREFIX_PATH=${scratchDir}/moved)
+    if(hasPkgConfig)
+        build_by_pkg_config(${scratchDir}/moved)
+    endif()
+else()
+    build_by_cmake()
+    build_by_pkg_config()
+endif()
