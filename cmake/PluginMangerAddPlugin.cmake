@@ -151,7 +151,7 @@ function(_pluginmanger_write_config set file)
             "        { \"name\": \"${name}\", \"version\": \"${version}\", \"dependencies\": [${needed}] }")
     endforeach()
     list(JOIN entries ",\n" entries)
-    set(content "{\n    \"pluginList\": [\n${entries}\n    ]\n}\n")
+    set(content "{\n    \"pluginList\": [\n${entries}\n    ]\n}")
     file(CONFIGURE OUTPUT "${file}" CONTENT "@content@" @ONLY NEWLINE_STYLE UNIX)
 endfunction()
 

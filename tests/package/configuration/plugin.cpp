@@ -1,0 +1,1 @@
+extern "C" int number() { return 1; }

@@ -1,0 +1,25 @@
+# cmake -D nm=<program> -D library=<file> -D allowed=<expression> -P exports.cmake
+#
+# Fails when the library exports anything whose name is not the allowed expression, or nothing at all.
+execute_process(COMMAND ${nm} --dynamic --defined-only --demangle ${library}
+    OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE ";" "," output "${output}")
+string(REGEX REPLACE "\n$" "" output "${output}")
+string(REPLACE "\n" ";" lines "${output}")
+if(NOT lines)
+    message(FATAL_ERROR "${library} exports nothing")
+endif()
+foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
+    if(NOT name MATCHES "^(${allowed})")
+        message(SEND_ERROR "exported, and should not be: ${name}")
+    endif()
+    string(REGEX MATCH "QT[pP]luginsManger[A-Za-z0-9]*::|Common::" class "${name}")
+    list(APPEND classes "${class}")
+endforeach()
+list(REMOVE_DUPLICATES classes)
+list(REMOVE_ITEM classes "")
+list(SORT classes)
+if(NOT classes STREQUAL expected)
+    message(FATAL_ERROR "exported are members of ${classes}, and should be of ${expected}")
+endif()
