@@ -74,9 +74,8 @@ extern "C" {
 /// returned. Called on the user-interface thread.
 PLUGINMANGER_PLUGIN_EXPORT void recMsgFromManager(void *element, PluginMetaData message);
 
-/// @name Factories
-/// Each returns the element or frame as a pointer to exactly the type that its operation returns.
 /// @{
+/// A factory: returns the element or frame as a pointer to exactly the type that its operation returns.
 PLUGINMANGER_PLUGIN_EXPORT void *GetEditInstance(QWidget *parent);
 PLUGINMANGER_PLUGIN_EXPORT void *GetGraphic_CoordinateInstance(QWidget *parent);
 PLUGINMANGER_PLUGIN_EXPORT void *GetGraphic_MiniMapInstance(QWidget *parent);

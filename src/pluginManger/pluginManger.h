@@ -63,10 +63,12 @@ public:
     /// The host's window.
     QWidget *m_parentWidget = nullptr;
 
+    /// @{
     /// The menus "File", "Edit" and "Help" of the menu bar. The host places and then owns them.
     QMenu *m_menuBarResult1 = nullptr;
     QMenu *m_menuBarResult2 = nullptr;
     QMenu *m_menuBarResult3 = nullptr;
+    /// @}
 
     /// Not used by the library.
     void *m_reserved1 = nullptr;
@@ -74,8 +76,11 @@ public:
     /// The tool bar for files, owned by the host's window.
     QToolBar *m_fileProcessResult1 = nullptr;
 
+    /// @{
+    /// The tool's interface, owned by its plug-in.
     FileProcess *m_fileProcess = nullptr;
     MenuBar *m_menuBar = nullptr;
+    /// @}
 
     /// The menu for files. The host places and then owns it.
     QMenu *m_fileProcessResult2 = nullptr;
@@ -86,13 +91,16 @@ public:
     /// The status display. The host places and then owns it.
     QWidget *m_statusResult = nullptr;
 
+    /// The tool's interface, owned by its plug-in.
     Toolbar_Edit *m_toolbarEdit = nullptr;
 
+    /// @{
     /// The actions of the four tool bars, owned by their plug-ins.
     QList<QAction *> m_editActions;
     QList<QAction *> m_selectActions;
     QList<QAction *> m_moveActions;
     QList<QAction *> m_toolActions;
+    /// @}
 
     /// The view. The host places and then owns it.
     QWidget *m_viewResult = nullptr;
@@ -104,6 +112,7 @@ public:
      */
     ProcessBar_Process *m_processBar = nullptr;
 
+    /// @{
     /// The root objects of the ten tools, owned by their loaders.
     QObject *m_fileProcessObject = nullptr;
     QObject *m_pnListObject = nullptr;
@@ -112,13 +121,17 @@ public:
     QObject *m_toolbarEditObject = nullptr;
     QObject *m_toolbarSelectObject = nullptr;
     QObject *m_toolbarToolObject = nullptr;
+    /// @}
 
     /// Not used by the library.
     void *m_reserved2 = nullptr;
 
+    /// @{
+    /// The root object of the tool, owned by its loader.
     QObject *m_viewObject = nullptr;
     QObject *m_statusObject = nullptr;
     QObject *m_processBarObject = nullptr;
+    /// @}
 
 public slots:
     /// Hands a copy of `msg` to the plug-in named by its `dst`, given without ".dll". A message for a plug-in

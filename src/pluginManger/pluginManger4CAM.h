@@ -115,6 +115,8 @@ public:
      * elements apart: the same parent with another text gets the element of the first text.
      */
     /// @{
+
+    /// The element of the library that the operation is made for.
     QDockWidget *OvDI_RegisterGraphic_JobList(QWidget *parent);
     QMenu *Ov_RegisterCAMMenuAction(QWidget *parent);
     QMenu *Ov_RegisterCAMMenuFile(QWidget *parent);
@@ -276,9 +278,11 @@ public:
      */
     void setInterfaceTexts(const QString &dstType, const QString &text, PluginMetaData meta);
 
-    /// These three do nothing. Kept for hosts that call them.
+    /// Does nothing. Kept for hosts that call it.
     void setEngineerText(const QString &text, PluginMetaData meta);
+    /// Does nothing. Kept for hosts that call it.
     void setGraphicText(const QString &text, PluginMetaData meta);
+    /// Does nothing. Kept for hosts that call it.
     void setMatrixText(const QString &text, PluginMetaData meta);
     /// @}
 

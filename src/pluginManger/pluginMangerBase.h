@@ -63,6 +63,7 @@ class PLUGINMANGER_EXPORT QTpluginsMangerBase : public QObject
     Q_OBJECT
 
 public:
+    /// Makes a base without tables of its own. `parent` is its parent as a QObject.
     explicit QTpluginsMangerBase(QObject *parent = nullptr);
     ~QTpluginsMangerBase() override;
 
