@@ -40,6 +40,17 @@ function(build_by_cmake)
     run_host(${scratchDir}/build/host)
 endfunction()
 
+# The project that the guides quote.
+function(build_guide)
+    set(build ${scratchDir}/guide)
+    run(${CMAKE_COMMAND} -S ${testDir}/guide -B ${build} -G ${generator} ${ARGN}
+        -D CMAKE_CXX_COMPILER=${compiler}
+        "-DCMAKE_CXX_FLAGS=${flags} -Wall -Wextra -Wpedantic -Werror"
+        -D CMAKE_BUILD_TYPE=${buildType})
+    run(${CMAKE_COMMAND} --build ${build})
+    run(${CMAKE_COMMAND} -E env --unset=PLUGINMANGER_PATH ${build}/run/host --check)
+endfunction()
+
 # The commands of somebody who has no build system.
 function(build_by_pkg_config)
     set(pkgConfig pkg-config)
@@ -95,10 +106,12 @@ if(mode STREQUAL "installed")
     run(${CMAKE_COMMAND} --install ${buildDir} --prefix ${scratchDir}/installed)
     file(RENAME ${scratchDir}/installed ${scratchDir}/moved)
     build_by_cmake(-D CMAKE_PREFIX_PATH=${scratchDir}/moved)
+    build_guide(-D CMAKE_PREFIX_PATH=${scratchDir}/moved)
     if(hasPkgConfig)
         build_by_pkg_config(${scratchDir}/moved)
     endif()
 else()
     build_by_cmake()
+    build_guide()
     build_by_pkg_config()
 endif()
