@@ -4,7 +4,8 @@
 # installed; with the library's sources as a part of the project; or against the package of the system. What is
 # installed is used by find_package() and again by pkg-config.
 function(run)
-    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    # A plug-in that does not load opens a box that nobody closes.
+    execute_process(COMMAND ${ARGN} TIMEOUT 240 RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
         message(FATAL_ERROR "failed (${result}): ${ARGN}\n${output}")
     endif()
