@@ -53,6 +53,7 @@ install(DIRECTORY tools/newPlugin
     PATTERN "pluginmanger-new-plugin*" EXCLUDE)
 
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT examples)
+install(DIRECTORY tests/package/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT examples)
 install(FILES README.md README.zh-CN.md CHANGELOG.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT documentation)

@@ -60,13 +60,15 @@ void tst_Unloading::qtPluginLeavesMemoryWhereQtLetsIt()
 
 void tst_Unloading::libraryWithUniqueSymbolsStays()
 {
-#if !defined(__GNUC__) || defined(__clang__)
-    QSKIP("only GCC makes unique symbols");
+#if defined(__GNUC__) && !defined(__clang__)
+    constexpr bool compilerMakesUniqueSymbols = true;
+#else
+    constexpr bool compilerMakesUniqueSymbols = false;
 #endif
     const QString path = libraryPath("Lingering_Library.dll");
     m_base.loadLibraryPlugin(m_tables, path);
     m_base.unloadAllLibraries(m_tables);
-    QVERIFY(isInMemory(path));
+    QCOMPARE(isInMemory(path), compilerMakesUniqueSymbols);
 }
 
 int main(int argc, char **argv)
