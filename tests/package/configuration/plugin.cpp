@@ -1,1 +1,4 @@
-extern "C" int number() { return 1; }
+extern "C" int number()
+{
+    return 1;
+}
