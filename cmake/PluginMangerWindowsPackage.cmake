@@ -1,5 +1,4 @@
-# What cpack packs for Windows beside the rest: the library for those who build against it, and the example host with all that
-# it needs, ready to run.
+# What cpack packs for Windows beside what is installed: the example host with all that it needs, ready to run.
 include(PluginMangerWindowsRuntime)
 
 if(PLUGINMANGER_BUILD_EXAMPLES)

@@ -44,12 +44,14 @@ endfunction()
 # The project that the guides quote.
 function(build_guide)
     set(build ${scratchDir}/guide)
-    run(${CMAKE_COMMAND} -S ${testDir}/guide -B ${build} -G ${generator} ${ARGN}
+    run(${CMAKE_COMMAND} -S ${testDir}/guide -B ${build} -G ${generator} ${ARGN} ${cross}
         -D CMAKE_CXX_COMPILER=${compiler}
         "-DCMAKE_CXX_FLAGS=${flags} -Wall -Wextra -Wpedantic -Werror"
         -D CMAKE_BUILD_TYPE=${buildType})
     run(${CMAKE_COMMAND} --build ${build})
-    run(${CMAKE_COMMAND} -E env --unset=PLUGINMANGER_PATH ${build}/run/host --check)
+    place_runtime(${build}/run)
+    run(${CMAKE_COMMAND} -E env --unset=PLUGINMANGER_PATH
+        ${emulator} ${build}/run/host${suffix} -platform offscreen --check)
 endfunction()
 
 # The commands of somebody who has no build system.
