@@ -2,13 +2,12 @@
 include(PluginMangerWindowsRuntime)
 
 if(PLUGINMANGER_BUILD_EXAMPLES)
-    get_property(camPlugins GLOBAL PROPERTY EXAMPLE_CAM_PLUGINS)
-    get_property(desktopPlugins GLOBAL PROPERTY EXAMPLE_DESKTOP_PLUGINS)
-    install(TARGETS pluginManger-host ${camPlugins}
+    get_property(examplePlugins GLOBAL PROPERTY EXAMPLE_PLUGINS)
+    install(TARGETS pluginManger-host ${examplePlugins}
         RUNTIME DESTINATION example/host
         LIBRARY DESTINATION example/host)
-    install(TARGETS ${desktopPlugins} LIBRARY DESTINATION example/plugins/desktop)
-    install(DIRECTORY examples/pluginconfig DESTINATION example/host)
+    install(DIRECTORY examples/pluginconfig examples/jobs DESTINATION example/host
+        FILES_MATCHING PATTERN "*.json")
     install(FILES ${windowsRuntimeLibraries} $<TARGET_FILE:pluginManger> $<TARGET_FILE:pluginManger::COMMON>
         DESTINATION example/host)
     install(FILES ${windowsPlatformPlugins} DESTINATION example/host/platforms)

@@ -4,17 +4,19 @@
 
 class Account;
 
-/// Counts every message box that appears as a failure. With nobody there to close it, it closes it too.
+/**
+ * Closes the library's message boxes at once: they stop everything until somebody comes, and say less than
+ * the view of the plug-ins does. What they said is told all the same.
+ */
 class BoxObserver : public QObject
 {
     Q_OBJECT
 
 public:
-    BoxObserver(Account &account, bool attended);
+    explicit BoxObserver(Account &account);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     Account &m_account;
-    const bool m_attended;
 };

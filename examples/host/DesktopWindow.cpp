@@ -3,11 +3,21 @@
 #include <pluginManger.h>
 
 #include <QtWidgets/QDockWidget>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QToolBar>
+
+namespace {
+
+QToolBar *styled(QToolBar *toolBar)
+{
+    toolBar->setIconSize({16, 16});
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    return toolBar;
+}
+
+}
 
 DesktopWindow::DesktopWindow()
 {
@@ -21,14 +31,17 @@ void DesktopWindow::place(const QTpluginsManger &manager)
         placeMenu(menu);
 
     if (manager.m_fileProcessResult1)
-        addToolBar(manager.m_fileProcessResult1);
-    placeTools(QStringLiteral("Edit"), manager.m_editActions);
-    placeTools(QStringLiteral("Move"), manager.m_moveActions);
-    placeTools(QStringLiteral("Select"), manager.m_selectActions);
-    placeTools(QStringLiteral("Tools"), manager.m_toolActions);
+        addToolBar(styled(manager.m_fileProcessResult1));
+    placeTools(tr("Edit"), "Edit", manager.m_editActions);
+    placeTools(tr("Select"), "Select", manager.m_selectActions);
+    addToolBarBreak();
+    placeTools(tr("Move"), "Move", manager.m_moveActions);
+    placeTools(tr("Tools"), "Tools", manager.m_toolActions);
 
     if (manager.m_pnListResult) {
-        auto *const dock = new QDockWidget(QStringLiteral("Part numbers"));
+        auto *const dock = new QDockWidget(tr("Part numbers"));
+        dock->setObjectName(QStringLiteral("PartNumbers"));
+        dock->setFeatures(QDockWidget::DockWidgetMovable);
         dock->setWidget(manager.m_pnListResult);
         addDockWidget(Qt::LeftDockWidgetArea, dock);
         resizeDocks({dock}, {250}, Qt::Horizontal);
@@ -37,6 +50,17 @@ void DesktopWindow::place(const QTpluginsManger &manager)
         setCentralWidget(manager.m_viewResult);
     if (manager.m_statusResult)
         statusBar()->addWidget(manager.m_statusResult, 1);
+}
+
+/// Actions are their plug-ins' own; all else is this window's. What the menu bar's plug-in has put into the
+/// status bar goes with it.
+void DesktopWindow::clear()
+{
+    qDeleteAll(findChildren<QToolBar *>(QString(), Qt::FindDirectChildrenOnly));
+    qDeleteAll(menuBar()->findChildren<QMenu *>(QString(), Qt::FindDirectChildrenOnly));
+    qDeleteAll(findChildren<QDockWidget *>(QString(), Qt::FindDirectChildrenOnly));
+    setCentralWidget(nullptr);
+    delete statusBar();
 }
 
 /// A menu bar shows menus, but does not own them.
@@ -48,11 +72,9 @@ void DesktopWindow::placeMenu(QMenu *menu)
     menuBar()->addMenu(menu);
 }
 
-void DesktopWindow::placeTools(const QString &title, const QList<QAction *> &actions)
+void DesktopWindow::placeTools(const QString &title, const char *name, const QList<QAction *> &actions)
 {
-    QToolBar *const toolBar = addToolBar(title);
-    auto *const label = new QLabel(title + QLatin1Char(':'));
-    label->setContentsMargins(4, 0, 4, 0);
-    toolBar->addWidget(label);
+    QToolBar *const toolBar = styled(addToolBar(title));
+    toolBar->setObjectName(QLatin1String(name));
     toolBar->addActions(actions);
 }

@@ -14,8 +14,10 @@ public:
 
     /// Takes what the manager holds. Tools that are not loaded leave their places empty.
     void place(const QTpluginsManger &manager);
+    /// Gives up everything that plug-ins have made, before they are loaded again.
+    void clear();
 
 private:
     void placeMenu(QMenu *menu);
-    void placeTools(const QString &title, const QList<QAction *> &actions);
+    void placeTools(const QString &title, const char *name, const QList<QAction *> &actions);
 };

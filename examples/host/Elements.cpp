@@ -18,7 +18,9 @@ QVector<Element> Elements::registerFor(FrameKind kind, QWidget *frame, const QSt
     QVector<Element> elements;
     for (Tally &tally : m_tallies) {
         const ElementRegistration &registration = tally.registration;
-        if (registration.frame != kind)
+        const bool isWanted =
+            registration.frame == kind || (kind == FrameKind::Preview && isInPreview(registration));
+        if (!isWanted)
             continue;
         QObject *const object = registration.call(m_manager, frame, job.toStdString());
         QObject *const again = registration.call(m_manager, frame, job.toStdString());

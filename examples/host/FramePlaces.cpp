@@ -2,9 +2,10 @@
 
 #include "MenuBarEnd.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDockWidget>
-#include <QtWidgets/QGroupBox>
+#include <QtWidgets/QFrame>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStatusBar>
@@ -19,26 +20,44 @@ QWidget *makePanel(QLayout *content)
     return panel;
 }
 
-QGroupBox *makeGroup(const QString &title, QLayout *content)
+QFrame *makeLine()
 {
-    auto *const group = new QGroupBox(title);
-    group->setLayout(content);
-    content->setContentsMargins(4, 2, 4, 2);
-    return group;
+    auto *const line = new QFrame;
+    line->setFrameShape(QFrame::VLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
 }
 
-Places makeGraphicPlaces(QMainWindow *frame)
+/// Below the docks that elements are, so it is put in its place after them.
+QDockWidget *makeOverview(QMainWindow *frame, Places &places)
+{
+    auto *const dock = new QDockWidget(QCoreApplication::translate("FramePlaces", "Overview"), frame);
+    dock->setObjectName(QStringLiteral("Overview"));
+    dock->hide();
+    dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    dock->setWidget(makePanel(places.makeBox(Place::Overview, Qt::Vertical)));
+    return dock;
+}
+
+/// A preview is small, and has no list that would give its docks their width.
+Places makeGraphicPlaces(QMainWindow *frame, bool isPreview)
 {
     Places places(frame);
-    auto *const tools = new QVBoxLayout;
-    tools->addLayout(places.makeBox(Place::Overview, Qt::Vertical), 1);
-    tools->addWidget(makeGroup(QStringLiteral("Move"), places.makeBox(Place::MoveTools, Qt::Vertical)));
-    tools->addWidget(makeGroup(QStringLiteral("Edit"), places.makeBox(Place::EditTools, Qt::Vertical)));
+    auto *const tools = new QHBoxLayout;
+    tools->addLayout(places.makeBox(Place::MoveTools, Qt::Horizontal));
+    tools->addWidget(makeLine());
+    tools->addLayout(places.makeBox(Place::EditTools, Qt::Horizontal));
+    tools->addStretch(1);
 
-    auto *const row = new QHBoxLayout;
-    row->addLayout(places.makeBox(Place::Center, Qt::Vertical), 1);
-    row->addLayout(tools);
-    frame->setCentralWidget(makePanel(row));
+    auto *const column = new QVBoxLayout;
+    column->setSpacing(0);
+    column->addLayout(tools);
+    column->addLayout(places.makeBox(Place::Center, Qt::Vertical), 1);
+    frame->setCentralWidget(makePanel(column));
+    QDockWidget *const overview = makeOverview(frame, places);
+    overview->setMaximumHeight(10 * frame->fontMetrics().height());
+    if (isPreview)
+        overview->setMaximumWidth(26 * frame->fontMetrics().averageCharWidth());
     frame->statusBar()->addWidget(makePanel(places.makeBox(Place::StatusBar, Qt::Horizontal)));
     return places;
 }
@@ -65,7 +84,9 @@ Places makeFramePlaces(FrameKind kind, QMainWindow *frame)
     frame->menuBar()->setNativeMenuBar(false);
     switch (kind) {
     case FrameKind::Graphic:
-        return makeGraphicPlaces(frame);
+        return makeGraphicPlaces(frame, false);
+    case FrameKind::Preview:
+        return makeGraphicPlaces(frame, true);
     case FrameKind::Matrix:
         return makeMatrixPlaces(frame);
     default:
@@ -77,12 +98,21 @@ void arrangeFrameDocks(QMainWindow *frame)
 {
     QList<QDockWidget *> docks;
     QList<int> widths;
+    QList<int> heights;
     const QList<QDockWidget *> all = frame->findChildren<QDockWidget *>();
     for (QDockWidget *const dock : all) {
-        if (frame->dockWidgetArea(dock) == Qt::LeftDockWidgetArea) {
-            docks.append(dock);
-            widths.append(dock->minimumSizeHint().width());
+        const bool isOverview = dock->objectName() == QLatin1String("Overview");
+        // Without a map there is nothing to look over.
+        if (isOverview && dock->widget()->layout()->count() == 0)
+            continue;
+        if (isOverview) {
+            frame->addDockWidget(Qt::LeftDockWidgetArea, dock);
+            dock->show();
         }
+        docks.append(dock);
+        widths.append(dock->minimumSizeHint().width());
+        heights.append(isOverview ? 100 : 300);
     }
     frame->resizeDocks(docks, widths, Qt::Horizontal);
+    frame->resizeDocks(docks, heights, Qt::Vertical);
 }

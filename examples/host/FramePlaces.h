@@ -6,5 +6,5 @@
 /// Gives a frame the empty places that its kind of elements goes to.
 Places makeFramePlaces(FrameKind kind, QMainWindow *frame);
 
-/// Makes the docks at the frame's left as narrow as they can be, once they are there.
+/// Brings the docks of a frame to the sizes that they start with, once all of them are there.
 void arrangeFrameDocks(QMainWindow *frame);

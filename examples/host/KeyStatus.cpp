@@ -1,6 +1,7 @@
 #include "KeyStatus.h"
 
 #include "MainWindow.h"
+#include "Post.h"
 #include "hostMessage.h"
 
 #include <pluginManger4CAM.h>
@@ -38,8 +39,8 @@ QString keysAfter(const QKeyEvent &event)
 
 }
 
-KeyStatus::KeyStatus(QTpluginsManger4CAM *manager, const MainWindow &window)
-    : m_manager(manager)
+KeyStatus::KeyStatus(Post &post, const MainWindow &window)
+    : m_post(post)
     , m_window(window)
 {
 }
@@ -53,8 +54,10 @@ bool KeyStatus::eventFilter(QObject *, QEvent *event)
     if (keys == m_told)
         return false;
     m_told = keys;
-    m_manager->sendKeyBoardStatusToGraphic(
-        m_window.currentFrame(FrameKind::Graphic),
-        hostMessage(QStringLiteral("ORVIK-GraphicEditor.dll"), MessageType::ShowKeys, {{"Keys", keys}}));
+    QWidget *const frame = m_window.currentFrame(FrameKind::Graphic);
+    const PluginMetaData message =
+        hostMessage(QStringLiteral("ORVIK-GraphicEditor.dll"), MessageType::ShowKeys, {{"Keys", keys}});
+    m_post.deliver("sendKeyBoardStatusToGraphic", message,
+                   [&] { m_post.manager()->sendKeyBoardStatusToGraphic(frame, message); });
     return false;
 }

@@ -3,7 +3,7 @@
 #include <QtCore/QObject>
 
 class MainWindow;
-class QTpluginsManger4CAM;
+class Post;
 
 /// Tells the graphic frame that is shown which of the keys that modify others are held down.
 class KeyStatus : public QObject
@@ -11,12 +11,12 @@ class KeyStatus : public QObject
     Q_OBJECT
 
 public:
-    KeyStatus(QTpluginsManger4CAM *manager, const MainWindow &window);
+    KeyStatus(Post &post, const MainWindow &window);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QTpluginsManger4CAM *m_manager;
+    Post &m_post;
     const MainWindow &m_window;
     QString m_told;
 };

@@ -4,7 +4,7 @@
 
 #include <QtCore/QObject>
 
-class QTpluginsManger4CAM;
+class Post;
 
 /**
  * Takes what an element or a frame sends, and hands it to the manager.
@@ -18,14 +18,14 @@ class Mailbox : public QObject
 
 public:
     /// Gives `sender`, when it has the signal, a mailbox that lives as long as it does.
-    static void giveTo(QObject *sender, QWidget *frame, QTpluginsManger4CAM *manager);
+    static void giveTo(QObject *sender, QWidget *frame, Post &post);
 
 private slots:
     void forward(const PluginMetaData &message);
 
 private:
-    Mailbox(QObject *sender, QWidget *frame, QTpluginsManger4CAM *manager);
+    Mailbox(QObject *sender, QWidget *frame, Post &post);
 
     QWidget *const m_frame;
-    QTpluginsManger4CAM *const m_manager;
+    Post &m_post;
 };

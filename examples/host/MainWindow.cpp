@@ -2,32 +2,67 @@
 
 #include "MenuBarEnd.h"
 
+#include <QtGui/QCloseEvent>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QMenuBar>
-#include <QtWidgets/QSplitter>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTabBar>
 #include <QtWidgets/QTabWidget>
 
+#include <functional>
+
+namespace {
+
+/// Holds a frame that the manager takes down when the window closes.
+class PreviewWindow : public QMainWindow
+{
+public:
+    PreviewWindow(QWidget *frame, QWidget *parent, std::function<void()> closed);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    const std::function<void()> m_closed;
+};
+
+PreviewWindow::PreviewWindow(QWidget *frame, QWidget *parent, std::function<void()> closed)
+    : QMainWindow(parent, Qt::Window)
+    , m_closed(std::move(closed))
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setObjectName(QStringLiteral("Preview"));
+    setWindowTitle(tr("Preview of %1").arg(frame->windowTitle()));
+    setCentralWidget(frame);
+    resize(720, 520);
+    connect(frame, &QObject::destroyed, this, &QObject::deleteLater);
+}
+
+void PreviewWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    if (centralWidget())
+        m_closed();
+}
+
+}
+
 MainWindow::MainWindow()
     : m_places(this)
 {
-    setWindowTitle(QStringLiteral("Jobs"));
-
+    menuBar()->setNativeMenuBar(false);
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     new MenuBarEnd(menuBar(), m_places.makeBox(Place::MenuBarEnd, Qt::Horizontal));
-    auto *const center = new QSplitter(Qt::Vertical);
-    center->addWidget(makeTabs(FrameKind::Graphic));
-    center->addWidget(makeTabs(FrameKind::Matrix));
-    center->setStretchFactor(0, 1);
-    center->setSizes({460, 260});
-    setCentralWidget(center);
+    setCentralWidget(makeTabs(FrameKind::Graphic));
 
     auto *const partPanel = new QWidget;
     partPanel->setLayout(m_places.makeBox(Place::PartPanel, Qt::Vertical));
-    addDock(Qt::LeftDockWidgetArea, QStringLiteral("Part"), partPanel);
-    addFollowingDock(Qt::LeftDockWidgetArea, QStringLiteral("Guide"), FrameKind::Guide);
-    addFollowingDock(Qt::RightDockWidgetArea, QStringLiteral("DFM"), FrameKind::Dfm);
+    addDock(Qt::LeftDockWidgetArea, tr("Part"), "Part", partPanel);
+    addFollowingDock(Qt::LeftDockWidgetArea, tr("Guide"), "Guide", FrameKind::Guide);
+    addFollowingDock(Qt::RightDockWidgetArea, tr("DFM"), "DFM", FrameKind::Dfm);
+    addFollowingDock(Qt::BottomDockWidgetArea, tr("Layers"), "Layers", FrameKind::Matrix);
     addStatusBar();
 
     connect(m_tabs.value(FrameKind::Graphic), &QTabWidget::currentChanged, this,
@@ -42,6 +77,12 @@ void MainWindow::addFrame(FrameKind kind, QWidget *frame)
         tabs->setTabText(tabs->indexOf(frame), title);
         showTitle(kind);
     });
+}
+
+void MainWindow::addPreview(QWidget *frame)
+{
+    auto *const window = new PreviewWindow(frame, this, [this, frame] { emit previewClosed(frame); });
+    window->show();
 }
 
 void MainWindow::showFrame(FrameKind kind, QWidget *frame)
@@ -66,7 +107,8 @@ QStringList MainWindow::tabTexts(FrameKind kind) const
 void MainWindow::stepThroughFrames(FrameKind kind, int direction)
 {
     QTabWidget *const tabs = m_tabs.value(kind);
-    tabs->setCurrentIndex((tabs->currentIndex() + direction + tabs->count()) % tabs->count());
+    if (tabs->count() > 0)
+        tabs->setCurrentIndex((tabs->currentIndex() + direction + tabs->count()) % tabs->count());
 }
 
 void MainWindow::arrangeDocks()
@@ -80,8 +122,9 @@ void MainWindow::arrangeDocks()
     QList<QDockWidget *> docks;
     QList<int> widths;
     QList<int> heights;
-    for (const DockSize &size : {DockSize{"Part", 240, 200}, DockSize{"Guide", 240, 240},
-                                 DockSize{"ListBar_PNList", 240, 240}, DockSize{"DFM", 270, 680}}) {
+    for (const DockSize &size :
+         {DockSize{"Part", 224, 215}, DockSize{"Guide", 224, 140}, DockSize{"ListBar_PNList", 224, 350},
+          DockSize{"DFM", 280, 680}, DockSize{"Layers", 600, 268}}) {
         if (auto *const dock = findChild<QDockWidget *>(QLatin1String(size.name))) {
             docks.append(dock);
             widths.append(size.width);
@@ -101,11 +144,13 @@ QTabWidget *MainWindow::makeTabs(FrameKind kind)
 }
 
 /// Shows one frame at a time, whose title then stands in that of the dock, where there is no room for tabs.
-void MainWindow::addFollowingDock(Qt::DockWidgetArea area, const QString &title, FrameKind kind)
+void MainWindow::addFollowingDock(Qt::DockWidgetArea area, const QString &title, const char *name,
+                                  FrameKind kind)
 {
     QTabWidget *const tabs = makeTabs(kind);
     tabs->tabBar()->hide();
-    m_docks.insert(kind, addDock(area, title, tabs));
+    m_docks.insert(kind, addDock(area, title, name, tabs));
+    m_titles.insert(kind, title);
     connect(tabs, &QTabWidget::currentChanged, this, [=] { showTitle(kind); });
 }
 
@@ -113,14 +158,18 @@ void MainWindow::showTitle(FrameKind kind)
 {
     QDockWidget *const dock = m_docks.value(kind);
     const QWidget *const frame = currentFrame(kind);
-    if (dock && frame)
-        dock->setWindowTitle(dock->objectName() + QStringLiteral(": ") + frame->windowTitle());
+    if (!dock)
+        return;
+    const QString title = m_titles.value(kind);
+    dock->setWindowTitle(frame ? tr("%1: %2").arg(title, frame->windowTitle()) : title);
 }
 
-QDockWidget *MainWindow::addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content)
+QDockWidget *MainWindow::addDock(Qt::DockWidgetArea area, const QString &title, const char *name,
+                                 QWidget *content)
 {
     auto *const dock = new QDockWidget(title);
-    dock->setObjectName(title);
+    dock->setObjectName(QLatin1String(name));
+    dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetClosable);
     dock->setWidget(content);
     addDockWidget(area, dock);
     return dock;
@@ -135,4 +184,5 @@ void MainWindow::addStatusBar()
     auto *const end = new QWidget;
     end->setLayout(m_places.makeBox(Place::StatusBarEnd, Qt::Horizontal));
     statusBar()->addPermanentWidget(end);
+    statusBar()->setSizeGripEnabled(false);
 }

@@ -9,8 +9,8 @@ class QDockWidget;
 class QTabWidget;
 
 /**
- * The host's window, which is the plug-ins' engineering root: at its edges stand the elements that belong to
- * no job and the frames that follow the job that is shown, in its middle the other frames.
+ * The page of the jobs, which is the plug-ins' engineering root: at its edges stand the elements that belong
+ * to no job and the frames that follow the job that is shown, in its middle the graphic frames.
  */
 class MainWindow : public QMainWindow
 {
@@ -23,6 +23,8 @@ public:
 
     /// Puts a frame among those of its kind, on a tab with its title for as long as the frame lives.
     void addFrame(FrameKind kind, QWidget *frame);
+    /// Puts a frame into a window of its own, which asks to be closed by closeRequested().
+    void addPreview(QWidget *frame);
     void showFrame(FrameKind kind, QWidget *frame);
     QWidget *currentFrame(FrameKind kind) const;
     QStringList tabTexts(FrameKind kind) const;
@@ -35,15 +37,17 @@ public:
 
 signals:
     void graphicFrameShown(QWidget *frame);
+    void previewClosed(QWidget *frame);
 
 private:
     QTabWidget *makeTabs(FrameKind kind);
-    void addFollowingDock(Qt::DockWidgetArea area, const QString &title, FrameKind kind);
+    void addFollowingDock(Qt::DockWidgetArea area, const QString &title, const char *name, FrameKind kind);
     void showTitle(FrameKind kind);
-    QDockWidget *addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content);
+    QDockWidget *addDock(Qt::DockWidgetArea area, const QString &title, const char *name, QWidget *content);
     void addStatusBar();
 
     Places m_places;
     QMap<FrameKind, QTabWidget *> m_tabs;
     QMap<FrameKind, QDockWidget *> m_docks;
+    QMap<FrameKind, QString> m_titles;
 };

@@ -2,6 +2,7 @@
 
 #include <pluginManger4CAM.h>
 
+#include <QtCore/QStringList>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHBoxLayout>
@@ -89,29 +90,46 @@ std::vector<ElementRegistration> elementRegistrations()
     // clang-format on
 }
 
-FrameRegistration frameRegistration(FrameKind kind)
+FrameRegistration frameRegistration(FrameKind kind, bool belongsToRoot)
 {
+    using Text = const std::string &;
     switch (kind) {
     case FrameKind::Graphic:
-        return {"Ov_RegisterGraphicFramework",
-                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &step) {
+        return {"Ov_RegisterGraphicFramework", [](Manager *manager, QWidget *parent, Text job, Text step) {
                     return manager->Ov_RegisterGraphicFramework(parent, job + " | " + step, false);
                 }};
+    case FrameKind::Preview:
+        return {"Ov_RegisterGraphicFramework4Quorel",
+                [](Manager *manager, QWidget *parent, Text job, Text step) {
+                    return manager->Ov_RegisterGraphicFramework4Quorel(parent, job, step);
+                }};
     case FrameKind::Dfm:
+        if (belongsToRoot)
+            return {"Ov_RegisterDFMGraphicFramework",
+                    [](Manager *manager, QWidget *parent, Text job, Text step) {
+                        return manager->Ov_RegisterDFMGraphicFramework(parent, job + " | " + step + " DFM",
+                                                                       false);
+                    }};
         return {"Ov_RegisterDFMGraphicFramework4Quorel",
-                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &step) {
+                [](Manager *manager, QWidget *parent, Text job, Text step) {
                     return manager->Ov_RegisterDFMGraphicFramework4Quorel(parent, job, step);
                 }};
     case FrameKind::Matrix:
-        return {"Ov_RegisterMatrixFramework",
-                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &) {
+        return {"Ov_RegisterMatrixFramework", [](Manager *manager, QWidget *parent, Text job, Text) {
                     return manager->Ov_RegisterMatrixFramework(parent, job);
                 }};
     default:
         // Under this name, and no other, the manager finds the guide of a job.
-        return {"Ov_RegisterGuideFramework",
-                [](Manager *manager, QWidget *parent, const std::string &job, const std::string &) {
+        return {"Ov_RegisterGuideFramework", [](Manager *manager, QWidget *parent, Text job, Text) {
                     return manager->Ov_RegisterGuideFramework(parent, job + "|Guide");
                 }};
     }
+}
+
+bool isInPreview(const ElementRegistration &registration)
+{
+    static const QStringList libraries{
+        QStringLiteral("Graphic_View.dll"), QStringLiteral("Graphic_MiniMap.dll"),
+        QStringLiteral("Graphic_Coordinate.dll"), QStringLiteral("Graphic_Toolbar_Move.dll")};
+    return libraries.contains(QLatin1String(registration.library));
 }

@@ -36,6 +36,10 @@ struct FrameRegistration
     Call call;
 };
 
-/// The one that this host uses for this kind of frame. Only frames that belong to the root are found by
-/// pluginTransmitData(), so the graphic frames' is not one of those for other hosts.
-FrameRegistration frameRegistration(FrameKind kind);
+/// The one for this kind of frame. Only frames that belong to the root are found by pluginTransmitData(), so
+/// the graphic frames' is not the one for hosts without a root; previews, which nobody writes to, have that.
+/// A DFM frame belongs to the root when it stands beside the job's first one.
+FrameRegistration frameRegistration(FrameKind kind, bool belongsToRoot = true);
+
+/// Whether an element for graphic frames is in previews, too.
+bool isInPreview(const ElementRegistration &registration);

@@ -1,10 +1,13 @@
 #include "Stage.h"
 
-#include "Workspace.h"
+#include "Workbench.h"
 
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QThread>
 #include <QtCore/QTimer>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QAbstractScrollArea>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QInputDialog>
@@ -12,17 +15,15 @@
 
 QWidget *Stage::frame(FrameKind kind, const QString &job, const QString &step) const
 {
-    const Frame *const found = workspace.find(kind, job, step);
+    const Frame *const found = workbench.workspace().find(kind, job, step);
     if (!found)
-        qFatal("The story needs a frame that is not there: %s", qPrintable(stepName(job, step)));
+        qFatal("The tour needs a frame that is not there: %s", qPrintable(stepName(job, step)));
     return found->window;
 }
 
-QString Stage::caption(const QString &job, const QString &step) const
+QAbstractScrollArea *Stage::view(const QString &job, const QString &step) const
 {
-    return element<QWidget>("Graphic_View.dll", FrameKind::Graphic, job, step)
-        ->property("caption")
-        .toString();
+    return element<QAbstractScrollArea>("Graphic_View.dll", FrameKind::Graphic, job, step);
 }
 
 QString Stage::label(const QObject *parent, const char *name) const
@@ -31,17 +32,12 @@ QString Stage::label(const QObject *parent, const char *name) const
     return label ? label->text() : QStringLiteral("no label");
 }
 
-void Stage::deleteClosedFrames() const
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 QObject *Stage::find(const char *library, FrameKind kind, const QMetaObject &type, const QString &job,
                      const QString &step) const
 {
-    QObject *const element = workspace.element(library, kind, job, step);
+    QObject *const element = workbench.workspace().element(library, kind, job, step);
     if (!element || !element->metaObject()->inherits(&type))
-        qFatal("The story needs an element that is not there: %s", library);
+        qFatal("The tour needs an element that is not there: %s", library);
     return element;
 }
 
@@ -59,28 +55,25 @@ void User::click(QAbstractItemView *view, const QString &text)
     const QModelIndexList found =
         model->match(model->index(0, 0), Qt::DisplayRole, text, 1, Qt::MatchStartsWith | Qt::MatchRecursive);
     if (found.isEmpty())
-        qFatal("The story needs an entry that is not there: %s", qPrintable(text));
+        qFatal("The tour needs an entry that is not there: %s", qPrintable(text));
     view->scrollTo(found.first());
-    click(view->viewport(), view->visualRect(found.first()).center());
+    // Ticks stand at the left, so the click goes to the right end.
+    const QRect entry = view->visualRect(found.first());
+    click(view->viewport(), {entry.right() - 4, entry.center().y()});
 }
 
 void User::moveMouse(QWidget *widget, const QPoint &position)
 {
+    auto *const area = qobject_cast<QAbstractScrollArea *>(widget);
     QMouseEvent move(QEvent::MouseMove, position, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(widget, &move);
-}
-
-void User::pressKey(QWidget *widget, int key, bool down)
-{
-    QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, key, Qt::NoModifier);
-    QCoreApplication::sendEvent(widget, &event);
+    QCoreApplication::sendEvent(area ? area->viewport() : widget, &move);
 }
 
 void User::choose(QObject *element, const char *command, const QString &answer)
 {
     auto *const entry = element->findChild<QAction *>(QLatin1String(command));
     if (!entry)
-        qFatal("The story needs a command that is not there: %s", command);
+        qFatal("The tour needs a command that is not there: %s", command);
     if (!answer.isEmpty()) {
         // The dialog waits in its own event loop, so it is answered from there.
         QTimer::singleShot(0, entry, [answer] {
@@ -91,4 +84,16 @@ void User::choose(QObject *element, const char *command, const QString &answer)
         });
     }
     entry->trigger();
+}
+
+bool User::waitUntil(const std::function<bool()> &isSo)
+{
+    constexpr int patienceInMilliseconds = 60000;
+    QElapsedTimer waiting;
+    waiting.start();
+    while (!isSo() && !waiting.hasExpired(patienceInMilliseconds)) {
+        QThread::msleep(2);
+        QCoreApplication::processEvents();
+    }
+    return isSo();
 }

@@ -4,23 +4,20 @@
 
 #include <QtCore/QList>
 
-class Account;
-class MainWindow;
-class QAbstractItemView;
-class QPoint;
-class QTpluginsManger4CAM;
-class Workspace;
+#include <functional>
 
-/// What stories are played with: the host, and the hands and eyes of somebody who uses its window.
+class QAbstractItemView;
+class QAbstractScrollArea;
+class QPoint;
+class Workbench;
+
+/// What the tour is played with: the host, and the hands and eyes of somebody who uses its window.
 struct Stage
 {
-    QTpluginsManger4CAM *manager;
-    MainWindow &window;
-    Workspace &workspace;
-    Account &account;
+    Workbench &workbench;
 
     /// The element's Qt type is what the registration operation returns, or one that a user sees it to be.
-    /// Stories cannot go on without it.
+    /// The tour cannot go on without it.
     template <typename Type>
     Type *element(const char *library, FrameKind kind, const QString &job = {},
                   const QString &step = {}) const
@@ -29,13 +26,9 @@ struct Stage
     }
 
     QWidget *frame(FrameKind kind, const QString &job, const QString &step = {}) const;
-    /// What the view of a step has above the board.
-    QString caption(const QString &job, const QString &step) const;
+    QAbstractScrollArea *view(const QString &job, const QString &step) const;
     /// The text of a label that a frame or an element has under this name; of its first one without a name.
     QString label(const QObject *parent, const char *name = nullptr) const;
-
-    /// Lets those that are to be deleted later go now.
-    void deleteClosedFrames() const;
 
 private:
     QObject *find(const char *library, FrameKind kind, const QMetaObject &type, const QString &job,
@@ -47,7 +40,8 @@ void click(QWidget *widget, const QPoint &position);
 /// Clicks on the row or entry that has this text in its first column.
 void click(QAbstractItemView *view, const QString &text);
 void moveMouse(QWidget *widget, const QPoint &position);
-void pressKey(QWidget *widget, int key, bool down);
 /// Chooses an entry of a menu, a tool bar or a grid of buttons. `answer` is for the dialog that this opens.
 void choose(QObject *element, const char *command, const QString &answer = {});
+/// Does something else for as long as this is not so. False when that takes too long.
+bool waitUntil(const std::function<bool()> &isSo);
 }

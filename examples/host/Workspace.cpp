@@ -4,37 +4,84 @@
 #include "FramePlaces.h"
 #include "Mailbox.h"
 #include "MainWindow.h"
+#include "Post.h"
+#include "board.h"
 #include "hostMessage.h"
 
 #include <pluginManger4CAM.h>
 
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtWidgets/QAction>
+#include <QtWidgets/QDockWidget>
 
 #include <algorithm>
 
-Workspace::Workspace(QTpluginsManger4CAM *manager, MainWindow &window, Account &account)
-    : m_manager(manager)
+Workspace::Workspace(Post &post, MainWindow &window, Account &account, const QString &jobs)
+    : m_post(post)
+    , m_manager(post.manager())
     , m_window(window)
     , m_account(account)
-    , m_elements(manager)
+    , m_elements(m_manager)
+    , m_jobs(jobs)
 {
     connect(&window, &MainWindow::graphicFrameShown, this, &Workspace::showFramesOf);
+    connect(&window, &MainWindow::previewClosed, this, &Workspace::closePreview);
 }
 
-void Workspace::open()
+void Workspace::openRoot()
 {
-    m_frames.push_back({FrameKind::Root, {}, {}, &m_window, {}, {}, {}});
+    m_frames.push_back({FrameKind::Root, {}, {}, {}, &m_window, {}, {}, {}});
     addElements(m_frames.back(), m_window.places());
+    m_post.toElementOfRoot(hostMessage("ListBar_PNList.dll", MessageType::UseFolder, {{"Folder", m_jobs}}));
 }
 
-void Workspace::openJob(const QString &job, const QStringList &steps)
+void Workspace::openJob(const QString &job)
 {
-    openFrame(FrameKind::Matrix, job, {});
-    openFrame(FrameKind::Guide, job, {});
-    openFrame(FrameKind::Dfm, job, steps.first());
-    for (const QString &step : steps)
-        openFrame(FrameKind::Graphic, job, step);
+    if (const Frame *const preview = find(FrameKind::Preview, job, QStringLiteral("pcb")))
+        close(*preview);
+    const QString file = QDir(m_jobs).filePath(job + QStringLiteral(".json"));
+    const Job content = readJob(file);
+    openFrame(FrameKind::Matrix, job, {}, file);
+    openFrame(FrameKind::Guide, job, {}, file);
+    for (const Step &step : content.steps)
+        openFrame(FrameKind::Graphic, job, step.name, file);
+    if (!content.steps.isEmpty())
+        openFrame(FrameKind::Dfm, job, content.steps.first().name, file, false);
     tellSteps(job);
+}
+
+void Workspace::openPreview(const QString &job)
+{
+    const QString file = QDir(m_jobs).filePath(job + QStringLiteral(".json"));
+    Frame *const frame = openFrame(FrameKind::Preview, job, QStringLiteral("pcb"), file);
+    auto *const window = frame ? qobject_cast<QMainWindow *>(frame->window) : nullptr;
+    if (!window)
+        return;
+    // As an element, a guide is found by its library's name, as others are.
+    QWidget *const guide = m_manager->Ov_Register_CamGuide("Graphic_CamGuide.dll", window, job.toStdString());
+    if (!guide)
+        return;
+    auto *const dock = new QDockWidget(tr("Guide"), window);
+    dock->setObjectName(QStringLiteral("Guide"));
+    dock->setWidget(guide);
+    dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    dock->setMaximumWidth(26 * window->fontMetrics().averageCharWidth());
+    window->addDockWidget(Qt::LeftDockWidgetArea, dock);
+    Mailbox::giveTo(guide, window, m_post);
+    frame->elements.insert(QStringLiteral("Graphic_CamGuide.dll"), guide);
+    m_post.toElement(window, hostMessage("Graphic_CamGuide.dll", MessageType::TaskDone,
+                                         {{"Task", "layers"}, {"Text", tr("in this preview")}}));
+}
+
+void Workspace::openDfmFrame(const QString &job, const QString &step, bool belongsToRoot)
+{
+    const Frame *const graphicFrame = find(FrameKind::Graphic, job, step);
+    const Frame *frame = find(FrameKind::Dfm, job, step);
+    if (!frame && graphicFrame)
+        frame = openFrame(FrameKind::Dfm, job, step, graphicFrame->file, belongsToRoot);
+    if (frame)
+        m_window.showFrame(FrameKind::Dfm, frame->window);
 }
 
 QStringList Workspace::jobs() const
@@ -47,10 +94,34 @@ QStringList Workspace::jobs() const
     return jobs;
 }
 
+QStringList Workspace::closedJobs() const
+{
+    QStringList closed;
+    const QFileInfoList files = QDir(m_jobs).entryInfoList({QStringLiteral("*.json")}, QDir::Files);
+    for (const QFileInfo &file : files) {
+        const bool isOpen = std::any_of(m_frames.begin(), m_frames.end(), [&file](const Frame &frame) {
+            return frame.kind == FrameKind::Matrix && QFileInfo(frame.file) == file;
+        });
+        if (!isOpen && !m_hiddenFiles.contains(file.filePath()))
+            closed.append(file.completeBaseName());
+    }
+    return closed;
+}
+
+QString Workspace::fileOf(const QString &job) const
+{
+    for (const Frame &frame : m_frames) {
+        if (frame.job == job)
+            return frame.file;
+    }
+    return {};
+}
+
 bool Workspace::wasOpenedAs(const QString &job) const
 {
-    return std::any_of(m_frames.begin(), m_frames.end(),
-                       [&job](const Frame &frame) { return frame.firstJob == job; });
+    return std::any_of(m_frames.begin(), m_frames.end(), [&job](const Frame &frame) {
+        return frame.firstJob == job && frame.kind != FrameKind::Preview;
+    });
 }
 
 QStringList Workspace::steps(const QString &job) const
@@ -61,6 +132,16 @@ QStringList Workspace::steps(const QString &job) const
             steps.append(frame.step);
     }
     return steps;
+}
+
+QList<Frame *> Workspace::frames(FrameKind kind)
+{
+    QList<Frame *> frames;
+    for (Frame &frame : m_frames) {
+        if (frame.kind == kind)
+            frames.append(&frame);
+    }
+    return frames;
 }
 
 QList<Frame *> Workspace::framesOf(const QString &job)
@@ -106,8 +187,31 @@ void Workspace::showStep(const QString &job, const QString &step)
 void Workspace::tellSteps(const QString &job)
 {
     const QMap<QString, QVariant> data{{"Steps", steps(job)}};
-    m_manager->updateGraphic(job, hostMessage("Graphic_JobList.dll", MessageType::ShowSteps, data));
-    m_manager->updateMatrix(job, hostMessage("Matrix.dll", MessageType::ShowSteps, data));
+    const PluginMetaData toLists = hostMessage("Graphic_JobList.dll", MessageType::ShowSteps, data);
+    m_post.deliver("updateGraphic", toLists, [&] { m_manager->updateGraphic(job, toLists); });
+    const PluginMetaData toMatrix = hostMessage("Matrix.dll", MessageType::ShowSteps, data);
+    m_post.deliver("updateMatrix", toMatrix, [&] { m_manager->updateMatrix(job, toMatrix); });
+}
+
+/// Deleting a node leaves its DFM frame, which the manager does not know by the node's name, and a preview is
+/// no part of any tree. DFM frames that belong to the root go as nodes do.
+void Workspace::close(const Frame &frame)
+{
+    const std::string job = frame.firstJob.toStdString();
+    const std::string step = frame.firstStep.toStdString();
+    const QString name = stepName(frame.firstJob, frame.firstStep);
+    if (frame.kind == FrameKind::Preview)
+        m_post.call("Ov_UnRegisterGraphicFramework4Quorel", name,
+                    [&] { m_manager->Ov_UnRegisterGraphicFramework4Quorel(job, step); });
+    else if (!frame.belongsToRoot)
+        m_post.call("Ov_UnRegisterDFMGraphicFramework4Quorel", name,
+                    [&] { m_manager->Ov_UnRegisterDFMGraphicFramework4Quorel(job, step); });
+    else
+        m_post.call("Ov_DeleteTreeNode", stepName(frame.job, dfmStepName(frame.step)), [&] {
+            m_manager->Ov_DeleteTreeNode(QStringLiteral("Graphic"),
+                                         stepName(frame.job, dfmStepName(frame.step)));
+        });
+    remove(&frame);
 }
 
 void Workspace::remove(const Frame *frame)
@@ -115,43 +219,69 @@ void Workspace::remove(const Frame *frame)
     m_frames.remove_if([frame](const Frame &candidate) { return &candidate == frame; });
 }
 
-void Workspace::openFrame(FrameKind kind, const QString &job, const QString &step)
+Frame *Workspace::openFrame(FrameKind kind, const QString &job, const QString &step, const QString &file,
+                            bool belongsToRoot)
 {
-    const FrameRegistration registration = frameRegistration(kind);
-    QWidget *const window = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
-    QWidget *const again = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
-    const bool once = window && again == window;
-    m_account.row({registration.operation, step.isEmpty() ? job : stepName(job, step), once ? "yes" : "no"},
-                  {40, 24, 9}, once);
+    const FrameRegistration registration = frameRegistration(kind, belongsToRoot);
+    QWidget *window = nullptr;
+    QWidget *again = nullptr;
+    const QString name = step.isEmpty() ? job : stepName(job, step);
+    m_post.call(registration.operation, name, [&] {
+        window = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
+        again = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
+    });
+    const bool once = window && again == window && m_manager->Ov_isRegisterFrame(window);
+    m_account.row({registration.operation, name, once ? "yes" : "no"}, {40, 24, 9}, once);
     if (!window)
-        return;
+        return nullptr;
 
-    m_frames.push_back({kind, job, step, window, {}, job, step});
+    m_frames.push_back({kind, job, step, file, window, {}, job, step, belongsToRoot});
     Frame &frame = m_frames.back();
-    m_window.addFrame(kind, window);
-    Mailbox::giveTo(window, window, m_manager);
-    if (auto *const mainWindow = qobject_cast<QMainWindow *>(window)) {
-        Places places = makeFramePlaces(kind, mainWindow);
-        addElements(frame, places);
-        arrangeFrameDocks(mainWindow);
-    }
+    place(frame);
     if (kind == FrameKind::Graphic)
         connect(window, SIGNAL(stepRequested(QString, QString)), this, SLOT(showStep(QString, QString)));
+    return &frame;
 }
 
-/// The manager tells the frame which job and step it shows, and the host its elements.
+/// A frame is shown once it is complete: what is added to one that is on the screen would stay hidden.
+void Workspace::place(Frame &frame)
+{
+    Mailbox::giveTo(frame.window, frame.window, m_post);
+    auto *const mainWindow = qobject_cast<QMainWindow *>(frame.window);
+    if (mainWindow) {
+        Places places = makeFramePlaces(frame.kind, mainWindow);
+        addElements(frame, places);
+    }
+    if (frame.kind == FrameKind::Preview)
+        m_window.addPreview(frame.window);
+    else
+        m_window.addFrame(frame.kind, frame.window);
+    if (mainWindow)
+        arrangeFrameDocks(mainWindow);
+}
+
+/// The manager tells the frame which job and step it shows, and the host its elements, once all are there:
+/// some talk to others at once.
 void Workspace::addElements(Frame &frame, Places &places)
 {
-    for (const Element &element : m_elements.registerFor(frame.kind, frame.window, frame.job)) {
+    const QVector<Element> elements = m_elements.registerFor(frame.kind, frame.window, frame.job);
+    for (const Element &element : elements) {
         frame.elements.insert(element.library, element.object);
         places.add(element.place, element.object);
         followEntries(frame, element.library, *element.object);
-        Mailbox::giveTo(element.object, frame.window, m_manager);
-        if (!frame.step.isEmpty())
-            m_manager->recMegToPlugin(frame.window,
-                                      hostMessage(element.library, MessageType::OpenStep,
-                                                  {{"JobName", frame.job}, {"Step", frame.step}}));
+        Mailbox::giveTo(element.object, frame.window, m_post);
     }
+    for (const Element &element : elements) {
+        if (!frame.file.isEmpty())
+            tellStep(frame, element.library);
+    }
+}
+
+void Workspace::tellStep(const Frame &frame, const QString &library)
+{
+    m_post.toElement(frame.window,
+                     hostMessage(library, MessageType::OpenStep,
+                                 {{"JobName", frame.job}, {"Step", frame.step}, {"File", frame.file}}));
 }
 
 /// An entry of an element carries its command as its name.
@@ -165,15 +295,26 @@ void Workspace::followEntries(Frame &frame, const QString &library, const QObjec
     }
 }
 
-/// Keeps the tabs of the other frames at the job that the graphic editor shows.
+/// Keeps the other frames at the job that the graphic editor shows.
 void Workspace::showFramesOf(const QWidget *graphicFrame)
 {
     const Frame *const shown = find(graphicFrame);
-    if (!shown)
+    if (!shown) {
+        emit jobShown({}, {});
         return;
+    }
     const QList<Frame *> frames = framesOf(shown->job);
+    const Frame *const sameStep = find(FrameKind::Dfm, shown->job, shown->step);
     for (const Frame *const frame : frames) {
-        if (frame->kind != FrameKind::Graphic)
+        const bool isOther = frame->kind == FrameKind::Dfm && sameStep && frame != sameStep;
+        if (frame->kind != FrameKind::Graphic && frame->kind != FrameKind::Preview && !isOther)
             m_window.showFrame(frame->kind, frame->window);
     }
+    emit jobShown(shown->job, shown->file);
+}
+
+void Workspace::closePreview(const QWidget *window)
+{
+    if (const Frame *const frame = find(window))
+        close(*frame);
 }

@@ -1,67 +1,17 @@
-#include "Account.h"
-#include "BoxObserver.h"
-#include "Commands.h"
-#include "DesktopTools.h"
-#include "DesktopWindow.h"
-#include "JobTree.h"
-#include "KeyStatus.h"
-#include "MainWindow.h"
-#include "Stage.h"
-#include "Workspace.h"
-#include "hostMessage.h"
-#include "storyOfDesktop.h"
-#include "storyOfJobs.h"
-#include "storyOfMessages.h"
+#include "Options.h"
+#include "StartProfile.h"
+#include "Tour.h"
+#include "Workbench.h"
+#include "WorkbenchWindow.h"
 
-#include <ProcessBar_Process.h>
-#include <common.h>
-#include <pluginManger.h>
-#include <pluginManger4CAM.h>
-
-#include <QtCore/QCommandLineParser>
-#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QSettings>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QTabWidget>
 
 #include <glog/logging.h>
 
 namespace {
-
-struct Options
-{
-    QString screenshot;
-    QString before;
-    QString desktop;
-    QString log;
-};
-
-Options readOptions()
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Builds a window out of everything that the example plug-ins offer."));
-    parser.addHelpOption();
-    parser.addOptions({
-        {QStringLiteral("screenshot"),
-         QStringLiteral("Play through what a user would do, save a picture of the jobs and quit."),
-         QStringLiteral("file")},
-        {QStringLiteral("before"), QStringLiteral("Save a picture of the jobs before playing, too."),
-         QStringLiteral("file")},
-        {QStringLiteral("desktop"), QStringLiteral("Save a picture of the desktop tools, too."),
-         QStringLiteral("file")},
-        {QStringLiteral("log"), QStringLiteral("Write the log there."), QStringLiteral("file"),
-         QDir::temp().filePath(QStringLiteral("pluginManger-host.log"))},
-    });
-    parser.process(*QCoreApplication::instance());
-    // The host changes its directory; what is named on the command line is relative to the user's.
-    const auto file = [&parser](const char *option) {
-        const QString path = parser.value(QLatin1String(option));
-        return path.isEmpty() ? path : QDir().absoluteFilePath(path);
-    };
-    return {file("screenshot"), file("before"), file("desktop"), file("log")};
-}
 
 /// The library logs, but leaves it to the host to say where to: here into one file for all severities.
 void startLog(const char *program, const QString &path)
@@ -84,170 +34,77 @@ void setFontSize()
     QApplication::setFont(font);
 }
 
-/// The host's files lie beside it, unless the environment says otherwise. The desktop manager looks for them
-/// in the current directory.
-void setBaseDirectory()
+void playTour(Workbench &workbench, const Options &options)
 {
-    const QDir base(qEnvironmentVariable("PLUGINMANGER_PATH", QCoreApplication::applicationDirPath()));
-    QDir::setCurrent(base.absolutePath());
-    // The CAM manager then looks there, too. Said by the environment, a path would have to consist of letters
-    // that the code page has.
-    qunsetenv("PLUGINMANGER_PATH");
-}
-
-/// Loads the desktop tools and lets them build what they are for, with `window` as their parent.
-QTpluginsManger *startDesktop(QWidget *window)
-{
-    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath()
-                                     + QStringLiteral("/../plugins/desktop"));
-    QTpluginsManger *const manager = QTpluginsManger::instance();
-    manager->getParentWidget(window);
-    manager->loadAllPlugins();
-    manager->initAllPlugins();
-    manager->initSignalAndSlot();
-    return manager;
-}
-
-void placeDesktop(QTpluginsManger *manager, DesktopWindow &window, Account &account)
-{
-    window.place(*manager);
-    tellDesktopTools(manager, account);
-    if (ProcessBar_Process *const progress = progressDisplay(*manager))
-        progress->setValue(0);
-}
-
-void loadPlugins(QTpluginsManger4CAM *manager, Account &account)
-{
-    account.heading(QStringLiteral("Loading"));
-    account.fact(QStringLiteral("Configuration files in"),
-                 QDir().absoluteFilePath(QString::fromStdString(Common::getPath_pluginconfig())));
-
-    manager->loadAllPlugins();
-    account.check(QStringLiteral("CAM set loaded"), manager->isCAMLoaded());
-    manager->loadAllDFMPlugins();
-    account.check(QStringLiteral("DFM set loaded"), manager->isDFMLoaded());
-}
-
-/// By the root the manager finds the frames, and the elements that belong to no frame.
-void insertRoot(QTpluginsManger4CAM *manager, QWidget *root, Account &account)
-{
-    manager->insertRoot("Engineering", root);
-    account.check(QStringLiteral("Engineering root inserted"), manager->getRoot() == root);
-}
-
-void openJobs(Workspace &workspace, Account &account)
-{
-    account.heading(QStringLiteral("Frames"));
-    account.row({"operation", "opened for", "made once"}, {40, 24, 9});
-    const QString pcb = QStringLiteral("pcb");
-    workspace.openJob(QStringLiteral("control-2l"), {pcb, QStringLiteral("panel"), QStringLiteral("orig")});
-    workspace.openJob(QStringLiteral("preamp-2l"), {pcb});
-    workspace.showStep(QStringLiteral("control-2l"), pcb);
-}
-
-void showProgress(QTpluginsManger4CAM *manager, int elementCount)
-{
-    manager->updateEngieer(
-        {}, hostMessage(
-                QStringLiteral("CAM_Progress_Dialog.dll"), MessageType::ShowProgress,
-                {{"Percent", 100}, {"Text", QStringLiteral("%1 elements registered").arg(elementCount)}}));
-}
-
-void showPages(QTabWidget &window, DesktopWindow &desktop, MainWindow &jobs)
-{
-    window.setWindowTitle(QStringLiteral("pluginManger example host"));
-    window.setDocumentMode(true);
-    window.resize(1280, 800);
-    window.addTab(&desktop, QStringLiteral("Desktop"));
-    window.addTab(&jobs, jobs.windowTitle());
-    window.setCurrentWidget(&jobs);
-    jobs.arrangeDocks();
-    window.show();
-}
-
-void saveScreenshot(QWidget &window, const QString &path, Account &account)
-{
-    account.heading(QStringLiteral("Picture"));
-    // What has just changed is laid out by events that still wait.
-    QCoreApplication::processEvents();
-    const QPixmap picture = window.grab();
-    account.fact(QStringLiteral("Size"),
-                 QStringLiteral("%1 x %2").arg(picture.width()).arg(picture.height()));
-    account.fact(QStringLiteral("File"), path);
-    account.check(QStringLiteral("Saved"), picture.save(path, "PNG"));
-}
-
-/// What a user would do, and what the window then shows.
-void playStory(const Stage &stage, QTabWidget &window, QTpluginsManger &desktopManager,
-               DesktopWindow &desktop, const Options &options)
-{
-    Account &account = stage.account;
-    if (!options.before.isEmpty())
-        saveScreenshot(window, options.before, account);
-    // There is no story with a part of the window missing.
-    const bool complete = account.failureCount() == 0;
-    if (complete) {
-        playStoryOfMessages(stage);
-        playStoryOfJobs(stage);
-    }
-    saveScreenshot(window, options.screenshot, account);
-
-    window.setCurrentWidget(&desktop);
-    if (complete)
-        playStoryOfDesktop(desktopManager, desktop, account);
-    if (!options.desktop.isEmpty())
-        saveScreenshot(window, options.desktop, account);
+    Tour tour(workbench, options.tour);
+    workbench.account.setLenient(false);
+    if (options.expectsBrokenPlugins)
+        tour.playWithBrokenPlugins();
+    else if (workbench.account.failureCount() == 0)
+        tour.play();
 }
 
 }
 
 int main(int argc, char *argv[])
 {
+    StartProfile profile;
+    profile.begin(QStringLiteral("Application"));
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
-    const Options options = readOptions();
-    const bool attended = options.screenshot.isEmpty();
-
-    Account account;
-    BoxObserver boxObserver(account, attended);
-    application.installEventFilter(&boxObserver);
-
+    const Options options = Options::read();
     startLog(argv[0], options.log);
-    setBaseDirectory();
-    if (!attended)
+    if (!options.isAttended())
         setFontSize();
 
-    QTabWidget window;
-    DesktopWindow desktop;
-    // Before the desktop tools: when Windows is asked for a library without its path, it takes what is loaded
-    // under that name from anywhere, and each set has a ListBar_PNList.dll of its own.
-    QTpluginsManger4CAM *const manager = QTpluginsManger4CAM::instance();
-    loadPlugins(manager, account);
+    // What is configured, and whether the files are fit to be loaded.
+    profile.begin(Workbench::tr("Lists and files"));
+    Workbench workbench(options.base, options.pluginFolders, profile);
+    workbench.account.setSilent(options.isAttended());
+    workbench.account.setLenient(options.expectsBrokenPlugins);
+    workbench.useSafeLists();
 
-    QTpluginsManger *const desktopManager = startDesktop(&desktop);
-    placeDesktop(desktopManager, desktop, account);
+    // QTpluginsManger: getParentWidget(), loadAllPlugins(), initAllPlugins(), initSignalAndSlot()
+    profile.begin(Workbench::tr("Desktop tools"));
+    workbench.startDesktopTools();
 
-    MainWindow jobs;
-    insertRoot(manager, &jobs, account);
+    // QTpluginsManger4CAM: loadAllPlugins(), loadAllDFMPlugins()
+    profile.begin(Workbench::tr("CAM plug-ins"));
+    workbench.loadCamPlugins();
+    profile.begin(Workbench::tr("DFM plug-ins"));
+    workbench.loadDfmPlugins();
 
-    Workspace workspace(manager, jobs, account);
-    workspace.open();
-    openJobs(workspace, account);
-    workspace.elements().tell(account);
-    showProgress(manager, workspace.elements().count());
+    // QTpluginsManger4CAM: insertRoot(), and an operation for each element of the window
+    profile.begin(Workbench::tr("Window"));
+    workbench.buildWindow();
 
-    JobTree jobTree(manager, workspace);
-    Commands commands(manager, jobs, workspace, jobTree);
-    KeyStatus keyStatus(manager, jobs);
-    application.installEventFilter(&keyStatus);
+    // QTpluginsManger4CAM: an operation for each frame of a job, and for each element in it
+    profile.begin(Workbench::tr("Jobs"));
+    workbench.openJobs({QStringLiteral("gateway-4l"), QStringLiteral("control-2l")});
 
-    showPages(window, desktop, jobs);
-    if (!attended) {
-        QTimer::singleShot(0, &window, [&] {
-            playStory({manager, jobs, workspace, account}, window, *desktopManager, desktop, options);
+    profile.begin(Workbench::tr("Judging plug-ins"));
+    workbench.judgePlugins();
+
+    profile.begin(Workbench::tr("First picture"));
+    QSettings settings(QStringLiteral("pluginManger"), QStringLiteral("workbench"));
+    if (options.isAttended())
+        workbench.window().restoreLayout(settings);
+    workbench.window().show();
+    QCoreApplication::processEvents();
+    profile.end();
+    workbench.account.fact(Workbench::tr("Started in"),
+                           Workbench::tr("%1 ms").arg(profile.total(), 0, 'f', 0));
+
+    if (!options.isAttended()) {
+        QTimer::singleShot(0, &workbench, [&] {
+            playTour(workbench, options);
             QApplication::quit();
         });
     }
     const int result = application.exec();
+    if (options.isAttended())
+        workbench.window().saveLayout(settings);
     google::ShutdownGoogleLogging();
-    return account.failureCount() == 0 ? result : 1;
+    return workbench.account.failureCount() == 0 ? result : 1;
 }

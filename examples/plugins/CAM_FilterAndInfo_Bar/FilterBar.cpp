@@ -1,5 +1,4 @@
 #include "messages.h"
-#include "sampleJob.h"
 
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -13,7 +12,8 @@ class FilterBar : public QVBoxLayout
 public:
     FilterBar();
 
-    void showText(const QString &text);
+    void showText(const QString &text) { m_info->setText(text); }
+    void showCount(int count, int total);
 
 signals:
     void sendMsgToManager(const PluginMetaData &message);
@@ -25,20 +25,20 @@ private:
 FilterBar::FilterBar()
 {
     auto *const filter = new QLineEdit;
-    filter->setPlaceholderText(QStringLiteral("Filter parts and jobs"));
+    filter->setPlaceholderText(tr("Filter parts and jobs"));
     filter->setClearButtonEnabled(true);
     addWidget(filter);
     addWidget(m_info);
-    showText(QStringLiteral("%1 part numbers").arg(sampleParts().size()));
+    showCount(0, 0);
     connect(filter, &QLineEdit::textChanged, this, [this](const QString &text) {
         emit sendMsgToManager(makeMessage("CAM_FilterAndInfo_Bar.dll", "ListBar_PNList.dll",
                                           MessageType::FilterParts, {{"Filter", text}}));
     });
 }
 
-void FilterBar::showText(const QString &text)
+void FilterBar::showCount(int count, int total)
 {
-    m_info->setText(text);
+    showText(tr("%1 of %2 part numbers").arg(count).arg(total));
 }
 
 /// The layout has no parent yet: it belongs to the layout that the host adds it to, as its widgets then
@@ -50,9 +50,11 @@ extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *)
 
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
+    auto *const bar = static_cast<FilterBar *>(static_cast<QVBoxLayout *>(element));
     if (message.type == MessageType::ShowText)
-        static_cast<FilterBar *>(static_cast<QVBoxLayout *>(element))
-            ->showText(textParameter(message, "Text"));
+        bar->showText(textParameter(message, "Text"));
+    else if (message.type == MessageType::PartsListed)
+        bar->showCount(parameter(message, "Count").toInt(), parameter(message, "Total").toInt());
 }
 
 #include "FilterBar.moc"

@@ -1,6 +1,8 @@
+#include "board.h"
 #include "messages.h"
-#include "sampleJob.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLocale>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QScrollArea>
@@ -8,19 +10,19 @@
 /// What is known about one part number.
 class PartDataView : public QScrollArea
 {
+    Q_DECLARE_TR_FUNCTIONS(PartDataView)
+
 public:
     explicit PartDataView(QWidget *parent);
 
-    void showText(const QString &text);
-    void showPart(const QString &number);
+    void showText(const QString &text) { m_heading->setText(text); }
+    void showPart(const QString &file);
 
 private:
-    void showData(const Part &part);
-
     QLabel *const m_heading = new QLabel;
     QLabel *const m_customer = new QLabel;
+    QLabel *const m_size = new QLabel;
     QLabel *const m_layers = new QLabel;
-    QLabel *const m_thickness = new QLabel;
     QLabel *const m_finish = new QLabel;
 };
 
@@ -32,38 +34,31 @@ PartDataView::PartDataView(QWidget *parent)
     form->setContentsMargins(8, 6, 8, 6);
     form->setVerticalSpacing(4);
     form->addRow(m_heading);
-    form->addRow(QStringLiteral("Customer"), m_customer);
-    form->addRow(QStringLiteral("Layers"), m_layers);
-    form->addRow(QStringLiteral("Thickness"), m_thickness);
-    form->addRow(QStringLiteral("Finish"), m_finish);
+    form->addRow(tr("Customer"), m_customer);
+    form->addRow(tr("Board"), m_size);
+    form->addRow(tr("Layers"), m_layers);
+    form->addRow(tr("Finish"), m_finish);
     QFont bold = m_heading->font();
     bold.setBold(true);
     m_heading->setFont(bold);
+    m_heading->setText(tr("No part is selected"));
 
     setWidget(page);
     setWidgetResizable(true);
+    setMinimumHeight(page->sizeHint().height() + 2 * frameWidth());
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    showData(sampleParts().first());
 }
 
-void PartDataView::showText(const QString &text)
+void PartDataView::showPart(const QString &file)
 {
-    m_heading->setText(text);
-}
-
-void PartDataView::showPart(const QString &number)
-{
-    if (const Part *const part = findPart(number))
-        showData(*part);
-}
-
-void PartDataView::showData(const Part &part)
-{
-    m_heading->setText(QStringLiteral("%1, revision %2").arg(part.number, part.revision));
-    m_customer->setText(part.customer);
-    m_layers->setText(QString::number(part.layerCount));
-    m_thickness->setText(QStringLiteral("%1 mm").arg(part.thickness, 0, 'f', 1));
-    m_finish->setText(part.finish);
+    const Job job = readJob(file);
+    const QSizeF size = job.outline.boundingRect().size();
+    m_heading->setText(tr("%1, revision %2").arg(job.part.number, job.part.revision));
+    m_customer->setText(job.part.customer);
+    m_size->setText(tr("%1 x %2 x %3 mm").arg(size.width()).arg(size.height()).arg(job.part.thickness));
+    m_layers->setText(
+        tr("%1, %2 features").arg(job.part.layerCount).arg(QLocale().toString(job.featureCount())));
+    m_finish->setText(job.part.finish);
 }
 
 /// The view belongs to its parent.
@@ -78,5 +73,5 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
     if (message.type == MessageType::ShowText)
         view->showText(textParameter(message, "Text"));
     else if (message.type == MessageType::SelectPart)
-        view->showPart(textParameter(message, "Part"));
+        view->showPart(textParameter(message, "File"));
 }

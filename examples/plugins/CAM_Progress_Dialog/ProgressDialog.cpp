@@ -1,5 +1,6 @@
 #include "messages.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -13,6 +14,8 @@
  */
 class ProgressDialog : public QDialog
 {
+    Q_DECLARE_TR_FUNCTIONS(ProgressDialog)
+
 public:
     explicit ProgressDialog(QWidget *parent);
 
@@ -27,14 +30,15 @@ private:
 ProgressDialog::ProgressDialog(QWidget *parent)
     : QDialog(parent)
 {
-    setWindowTitle(QStringLiteral("Progress"));
+    setWindowTitle(tr("Progress"));
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(6, 2, 6, 2);
     row->addWidget(m_text, 1);
     row->addWidget(m_bar);
     m_text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_bar->setRange(0, 100);
-    m_bar->setFixedWidth(160);
+    m_bar->setFixedWidth(m_bar->fontMetrics().averageCharWidth() * 24);
+    m_bar->setMaximumHeight(fontMetrics().height() + 4);
 }
 
 /// The dialog belongs to its parent.

@@ -1,6 +1,7 @@
+#include "board.h"
 #include "messages.h"
-#include "sampleJob.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QLineF>
 #include <QtCore/QMap>
 #include <QtWidgets/QDockWidget>
@@ -27,64 +28,71 @@ QTreeWidget *makeTable(const QStringList &headings)
     return table;
 }
 
-/// The total length of the tracks of each width, layer by layer.
-QTreeWidget *makeTrackTable(const Job &job)
-{
-    QTreeWidget *const table =
-        makeTable({QStringLiteral("Layer"), QStringLiteral("Width"), QStringLiteral("Length")});
-    for (const Layer &layer : job.layers) {
-        if (layer.kind != QLatin1String("Signal"))
-            continue;
-        QMap<double, double> lengths;
-        for (const Track &track : layer.tracks)
-            lengths[track.width] += lengthOf(track);
-        for (auto length = lengths.constBegin(); length != lengths.constEnd(); ++length)
-            new QTreeWidgetItem(table, {layer.name, QStringLiteral("%1 mm").arg(length.key(), 0, 'f', 2),
-                                        QStringLiteral("%1 mm").arg(length.value(), 0, 'f', 1)});
-    }
-    return table;
-}
-
-/// How many holes there are of each size and sort.
-QTreeWidget *makeDrillTable(const Job &job)
-{
-    QTreeWidget *const table =
-        makeTable({QStringLiteral("Diameter"), QStringLiteral("Plated"), QStringLiteral("Holes")});
-    QMap<QPair<double, bool>, int> counts;
-    for (const Drill &drill : layerOf(job, QStringLiteral("drill"))->drills)
-        ++counts[{drill.diameter, drill.plated}];
-    for (auto count = counts.constBegin(); count != counts.constEnd(); ++count)
-        new QTreeWidgetItem(table, {QStringLiteral("%1 mm").arg(count.key().first, 0, 'f', 2),
-                                    count.key().second ? QStringLiteral("yes") : QStringLiteral("no"),
-                                    QString::number(count.value())});
-    return table;
-}
-
 /// A dock with a table on each tab, about the job of the step that was opened.
 class AnalysisTab : public QDockWidget
 {
+    Q_DECLARE_TR_FUNCTIONS(AnalysisTab)
+
 public:
     explicit AnalysisTab(QWidget *parent);
 
     void openJob(const Job &job);
 
 private:
+    static QTreeWidget *makeTrackTable(const Job &job);
+    static QTreeWidget *makeDrillTable(const Job &job);
+
     QTabWidget *const m_tabs = new QTabWidget;
 };
 
 AnalysisTab::AnalysisTab(QWidget *parent)
-    : QDockWidget(QStringLiteral("DFM analysis"), parent)
+    : QDockWidget(tr("DFM analysis"), parent)
 {
-    setObjectName(QStringLiteral("DFM_Graphic_AnalysisTab"));
+    setObjectName(QLatin1String("DFM_Graphic_AnalysisTab"));
+    setFeatures(DockWidgetMovable);
     setWidget(m_tabs);
+    m_tabs->setMinimumHeight(10 * fontMetrics().height());
 }
 
 void AnalysisTab::openJob(const Job &job)
 {
     while (QWidget *const page = m_tabs->widget(0))
         delete page;
-    m_tabs->addTab(makeTrackTable(job), QStringLiteral("Tracks"));
-    m_tabs->addTab(makeDrillTable(job), QStringLiteral("Drills"));
+    m_tabs->addTab(makeTrackTable(job), tr("Tracks"));
+    m_tabs->addTab(makeDrillTable(job), tr("Drills"));
+}
+
+/// The total length of the tracks of each width, layer by layer.
+QTreeWidget *AnalysisTab::makeTrackTable(const Job &job)
+{
+    QTreeWidget *const table = makeTable({tr("Layer"), tr("Width"), tr("Length")});
+    for (const Layer &layer : job.layers) {
+        if (layer.kind != QLatin1String("signal"))
+            continue;
+        QMap<double, double> lengths;
+        for (const Track &track : layer.tracks)
+            lengths[track.width] += lengthOf(track);
+        for (auto length = lengths.constBegin(); length != lengths.constEnd(); ++length)
+            new QTreeWidgetItem(table, {layer.name, tr("%1 mm").arg(length.key(), 0, 'f', 2),
+                                        tr("%1 mm").arg(length.value(), 0, 'f', 1)});
+    }
+    return table;
+}
+
+/// How many holes there are of each size and sort.
+QTreeWidget *AnalysisTab::makeDrillTable(const Job &job)
+{
+    QTreeWidget *const table = makeTable({tr("Diameter"), tr("Plated"), tr("Holes")});
+    QMap<QPair<double, bool>, int> counts;
+    if (const Layer *const drills = job.layer(QLatin1String("drill"))) {
+        for (const Drill &drill : drills->drills)
+            ++counts[{drill.diameter, drill.plated}];
+    }
+    for (auto count = counts.constBegin(); count != counts.constEnd(); ++count)
+        new QTreeWidgetItem(table,
+                            {tr("%1 mm").arg(count.key().first, 0, 'f', 2),
+                             count.key().second ? tr("yes") : tr("no"), QString::number(count.value())});
+    return table;
 }
 
 }
@@ -101,5 +109,5 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
     if (message.type == MessageType::ShowText)
         tab->setWindowTitle(textParameter(message, "Text"));
     else if (message.type == MessageType::OpenStep)
-        tab->openJob(readJob(textParameter(message, "JobName")));
+        tab->openJob(readJob(textParameter(message, "File")));
 }

@@ -12,13 +12,17 @@ public:
     explicit GuideFrame(QWidget *parent);
 
     void showJob(QString name);
+    /// A task is named by a word that does not change with the language.
     void tick(const QString &task, const QString &text);
+    void showText(const QString &text);
 
 signals:
     void sendMsgToManager(const PluginMetaData &message);
 
 private:
-    void addTask(const QString &task, const QString &advice);
+    void addTask(const char *task, const QString &title, const QString &advice);
+
+    enum Role { TaskRole = Qt::UserRole, TitleRole, AdviceRole };
 
     QListWidget *const m_tasks = new QListWidget;
 };
@@ -29,22 +33,22 @@ GuideFrame::GuideFrame(QWidget *parent)
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_tasks);
-    addTask(QStringLiteral("Look at the layers"),
-            QStringLiteral("Choose one layer after the other in the matrix."));
-    addTask(QStringLiteral("Check the rules"), QStringLiteral("Choose Operate, Run checks in DFM."));
-    addTask(QStringLiteral("Build the panel"),
-            QStringLiteral("Choose Step, Panelize in the graphic editor."));
-    addTask(QStringLiteral("Send to the imager"), QStringLiteral("Choose Send in the tool bar."));
+    m_tasks->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    addTask("layers", tr("Look at the layers"), tr("Choose one layer after the other in the matrix."));
+    addTask("rules", tr("Check the rules"), tr("Press F5, or choose Operate, Run checks in DFM."));
+    addTask("compare", tr("Compare jobs"), tr("Press Ctrl+D, or choose Actions, Compare with."));
+    addTask("imager", tr("Send to the imager"),
+            tr("Press Ctrl+Return, or choose Send to imager in the tool bar."));
     connect(m_tasks, &QListWidget::itemClicked, this, [this](const QListWidgetItem *item) {
         emit sendMsgToManager(makeMessage("Graphic_CamGuide.dll", "Graphic_Tips.dll", MessageType::ShowText,
-                                          {{"DstType", "EngineerRoot"}, {"Text", item->data(Qt::UserRole)}}));
+                                          {{"DstType", "EngineerRoot"}, {"Text", item->data(AdviceRole)}}));
     });
 }
 
 /// A host may open a guide under the job's name with "|Guide" after it.
 void GuideFrame::showJob(QString name)
 {
-    const QString suffix = QStringLiteral("|Guide");
+    const QString suffix = QLatin1String("|Guide");
     if (name.endsWith(suffix))
         name.chop(suffix.size());
     setWindowTitle(name);
@@ -54,19 +58,28 @@ void GuideFrame::tick(const QString &task, const QString &text)
 {
     for (int row = 0; row < m_tasks->count(); ++row) {
         QListWidgetItem *const item = m_tasks->item(row);
-        if (!item->text().startsWith(task))
+        if (item->data(TaskRole).toString() != task)
             continue;
         item->setCheckState(Qt::Checked);
-        item->setText(task + QStringLiteral(": ") + text);
+        const QString title = item->data(TitleRole).toString();
+        item->setText(text.isEmpty() ? title : tr("%1: %2").arg(title, text));
     }
 }
 
-void GuideFrame::addTask(const QString &task, const QString &advice)
+void GuideFrame::showText(const QString &text)
 {
-    auto *const item = new QListWidgetItem(task, m_tasks);
+    m_tasks->setToolTip(text);
+}
+
+void GuideFrame::addTask(const char *task, const QString &title, const QString &advice)
+{
+    auto *const item = new QListWidgetItem(title, m_tasks);
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
     item->setCheckState(Qt::Unchecked);
-    item->setData(Qt::UserRole, advice);
+    item->setData(TaskRole, QString::fromLatin1(task));
+    item->setData(TitleRole, title);
+    item->setData(AdviceRole, advice);
+    item->setToolTip(advice);
 }
 
 /// The frame belongs to its parent.
@@ -84,6 +97,8 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *target, PluginMetaData mes
         frame->showJob(textParameter(message, "NewJobName"));
     else if (message.type == MessageType::TaskDone)
         frame->tick(textParameter(message, "Task"), textParameter(message, "Text"));
+    else if (message.type == MessageType::ShowText)
+        frame->showText(textParameter(message, "Text"));
     else if (message.type == MessageType::FrameClosed)
         frame->deleteLater();
 }

@@ -5,6 +5,8 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 
+#include <algorithm>
+
 /// A row that shows a position on the board in a unit that the user chooses.
 class CoordinateRow : public QHBoxLayout
 {
@@ -17,6 +19,7 @@ public:
     QString position() const { return m_position->text(); }
     void showText(const QString &text);
     void showPosition(QPointF position);
+    void useUnit(const QString &unit);
 
 private:
     void addUnit(const QString &name, double millimetres);
@@ -30,15 +33,16 @@ private:
 
 CoordinateRow::CoordinateRow()
 {
-    addUnit(QStringLiteral("mm"), 1);
-    addUnit(QStringLiteral("inch"), 25.4);
-    addUnit(QStringLiteral("mil"), 0.0254);
+    addUnit(QLatin1String("mm"), 1);
+    addUnit(QLatin1String("inch"), 25.4);
+    addUnit(QLatin1String("mil"), 0.0254);
 
-    addWidget(new QLabel(QStringLiteral("Position")));
     addWidget(m_position);
     addWidget(m_unit);
     addWidget(m_text, 1);
-    m_position->setMinimumWidth(170);
+    m_unit->setToolTip(tr("Unit of the coordinates"));
+    m_position->setMinimumWidth(
+        m_position->fontMetrics().horizontalAdvance(QLatin1String("X -0000.000   Y -0000.000")));
     connect(m_unit, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &CoordinateRow::update);
     update();
 }
@@ -54,6 +58,11 @@ void CoordinateRow::showPosition(QPointF position)
     update();
 }
 
+void CoordinateRow::useUnit(const QString &unit)
+{
+    m_unit->setCurrentIndex(std::max(0, m_unit->findText(unit)));
+}
+
 void CoordinateRow::addUnit(const QString &name, double millimetres)
 {
     m_unit->addItem(name, millimetres);
@@ -62,8 +71,7 @@ void CoordinateRow::addUnit(const QString &name, double millimetres)
 void CoordinateRow::update()
 {
     const QPointF position = m_millimetres / m_unit->currentData().toDouble();
-    m_position->setText(
-        QStringLiteral("X %1   Y %2").arg(position.x(), 8, 'f', 3).arg(position.y(), 8, 'f', 3));
+    m_position->setText(tr("X %1   Y %2").arg(position.x(), 8, 'f', 3).arg(position.y(), 8, 'f', 3));
 }
 
 /// The layout has no parent yet: it belongs to the layout that the host adds it to, as its widgets then
@@ -80,6 +88,8 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
         row->showText(textParameter(message, "Text"));
     else if (message.type == MessageType::FollowView)
         row->showPosition(parameter(message, "Position").toPointF());
+    else if (message.type == MessageType::UseUnit)
+        row->useUnit(textParameter(message, "Unit"));
 }
 
 #include "CoordinateRow.moc"

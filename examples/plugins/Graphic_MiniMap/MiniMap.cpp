@@ -1,18 +1,18 @@
 #include "MiniMap.h"
 
-#include "jobPainting.h"
+#include "boardPainting.h"
 #include "messages.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
+#include <QtGui/QPainterPath>
 
 #include <algorithm>
 
 namespace {
 
-constexpr double margin = 6;
+constexpr double margin = 3;
 
-const QColor backgroundColor(16, 20, 26);
 const QColor areaColor(255, 214, 90);
 
 }
@@ -29,9 +29,11 @@ QSize MiniMap::sizeHint() const
     return {150, 110};
 }
 
-void MiniMap::openStep(const Step &step)
+void MiniMap::openStep(const QString &step, const QString &file)
 {
-    m_step = step;
+    m_job = readJob(file);
+    m_step = m_job.step(step);
+    m_picture = {};
     update();
 }
 
@@ -49,21 +51,23 @@ void MiniMap::showVisibleArea(QRectF area)
 
 void MiniMap::paintEvent(QPaintEvent *)
 {
+    const QSize pixels = size() * devicePixelRatioF();
+    if (m_picture.size() != pixels)
+        paintPicture();
     QPainter painter(this);
-    painter.fillRect(rect(), backgroundColor);
-    painter.setRenderHint(QPainter::Antialiasing);
-
+    painter.drawPixmap(0, 0, m_picture);
     if (m_step.boards.isEmpty())
         return;
-    painter.setTransform(toScreen());
-    paintStep(painter, m_step);
 
-    painter.resetTransform();
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setBrush(Qt::NoBrush);
+    // What the view does not show lies in the shade.
+    const QRect area = toScreen().mapRect(m_visibleArea).toRect().intersected(rect().adjusted(1, 1, -2, -2));
+    QPainterPath shade;
+    shade.addRect(rect());
+    shade.addRect(area);
+    painter.fillPath(shade, QColor(0, 0, 0, 120));
     painter.setPen(areaColor);
-    const QRect area = toScreen().mapRect(m_visibleArea).toRect();
-    painter.drawRect(area.intersected(rect().adjusted(1, 1, -2, -2)));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(area);
     painter.drawText(rect().adjusted(6, 4, -6, -4), Qt::AlignLeft | Qt::AlignTop, m_text);
 }
 
@@ -75,6 +79,19 @@ void MiniMap::mousePressEvent(QMouseEvent *event)
 void MiniMap::mouseMoveEvent(QMouseEvent *event)
 {
     askViewToGoTo(event->localPos());
+}
+
+void MiniMap::paintPicture()
+{
+    m_picture = QPixmap(size() * devicePixelRatioF());
+    m_picture.setDevicePixelRatio(devicePixelRatioF());
+    m_picture.fill(BoardColors::background);
+    if (m_step.boards.isEmpty())
+        return;
+    QPainter painter(&m_picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setTransform(toScreen(), true);
+    paintStep(painter, m_job, m_step);
 }
 
 QTransform MiniMap::toScreen() const

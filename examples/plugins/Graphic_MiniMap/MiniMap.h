@@ -1,11 +1,12 @@
 #pragma once
 
-#include "sampleJob.h"
+#include "board.h"
 
 #include <PluginMetaData.h>
 
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
+#include <QtGui/QPixmap>
 #include <QtGui/QTransform>
 #include <QtWidgets/QWidget>
 
@@ -20,7 +21,7 @@ public:
 
     QSize sizeHint() const override;
     QRectF visibleArea() const { return m_visibleArea; }
-    void openStep(const Step &step);
+    void openStep(const QString &step, const QString &file);
     void showText(const QString &text);
     void showVisibleArea(QRectF area);
 
@@ -34,9 +35,13 @@ protected:
 
 private:
     QTransform toScreen() const;
+    void paintPicture();
     void askViewToGoTo(QPointF screenPosition);
 
+    Job m_job;
     Step m_step;
+    /// The board, painted once for each size.
+    QPixmap m_picture;
     QRectF m_visibleArea;
     QString m_text;
 };

@@ -13,7 +13,7 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
     if (message.type == MessageType::ShowText)
         map->showText(textParameter(message, "Text"));
     else if (message.type == MessageType::OpenStep)
-        map->openStep(readStep(textParameter(message, "JobName"), textParameter(message, "Step")));
+        map->openStep(textParameter(message, "Step"), textParameter(message, "File"));
     else if (message.type == MessageType::FollowView)
         map->showVisibleArea(parameter(message, "Area").toRectF());
 }

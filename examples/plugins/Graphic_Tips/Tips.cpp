@@ -1,5 +1,6 @@
 #include "messages.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 #include <QtWidgets/QLabel>
@@ -9,6 +10,8 @@ namespace {
 /// One line of advice after the other.
 class Tips : public QLabel
 {
+    Q_DECLARE_TR_FUNCTIONS(Tips)
+
 public:
     explicit Tips(QWidget *parent);
 
@@ -16,10 +19,10 @@ private:
     void showNext();
 
     const QStringList m_tips{
-        QStringLiteral("Tip: turn the wheel over the board to zoom, drag it to move."),
-        QStringLiteral("Tip: choose a row of the matrix to see that layer in all steps."),
-        QStringLiteral("Tip: click the small map to go to that place on the board."),
-        QStringLiteral("Tip: type in the filter to shorten the list of part numbers."),
+        tr("Tip: turn the wheel over the board to zoom, drag it to move, click a feature to see its size."),
+        tr("Tip: choose a row of the matrix to see that layer in all steps."),
+        tr("Tip: click the small map to go to that place on the board."),
+        tr("Tip: press F5 to check the rules, then choose a finding to see where it is."),
     };
     int m_next = 0;
 };
@@ -27,6 +30,8 @@ private:
 Tips::Tips(QWidget *parent)
     : QLabel(parent)
 {
+    // However long a tip is, it does not widen the window.
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto *const timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &Tips::showNext);
     timer->start(8000);

@@ -10,20 +10,30 @@ extern "C" Q_DECL_EXPORT void *GetViewInstance(QWidget *parent)
 extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData message)
 {
     auto *const view = static_cast<GraphicView *>(static_cast<QWidget *>(element));
-    if (message.type == MessageType::ShowText)
-        view->showText(textParameter(message, "Text"));
-    else if (message.type == MessageType::RunCommand)
-        view->runCommand(textParameter(message, "Command"));
-    else if (message.type == MessageType::SelectLayer)
-        view->highlightLayer(textParameter(message, "Layer"));
-    else if (message.type == MessageType::CenterOn)
-        view->centerOn(parameter(message, "Position").toPointF());
-    else if (message.type == MessageType::OpenStep)
-        view->openStep(textParameter(message, "JobName"), textParameter(message, "Step"));
-    else if (message.type == MessageType::JobRenamed)
-        view->renameJob(textParameter(message, "OldJobName"), textParameter(message, "NewJobName"));
-    else if (message.type == MessageType::RenameStep)
-        view->renameStep(textParameter(message, "ChangeStepName"));
-    else if (message.type == MessageType::ShowCompareJob)
-        view->compareWith(textParameter(message, "CompareJob"));
+    switch (message.type) {
+    case MessageType::ShowText:
+        return view->showText(textParameter(message, "Text"));
+    case MessageType::RunCommand:
+        return view->runCommand(textParameter(message, "Command"));
+    case MessageType::SelectLayer:
+        return view->highlightLayer(textParameter(message, "Layer"));
+    case MessageType::ShowLayer:
+        return view->showLayer(textParameter(message, "Layer"), parameter(message, "Visible").toBool());
+    case MessageType::CenterOn:
+        return view->goTo(parameter(message, "Position").toPointF(), parameter(message, "Width").toDouble());
+    case MessageType::OpenStep:
+        return view->openStep(textParameter(message, "JobName"), textParameter(message, "Step"),
+                              textParameter(message, "File"));
+    case MessageType::JobRenamed:
+        return view->renameJob(textParameter(message, "OldJobName"), textParameter(message, "NewJobName"));
+    case MessageType::RenameStep:
+        return view->renameStep(textParameter(message, "OldStepName"),
+                                textParameter(message, "ChangeStepName"));
+    case MessageType::ShowCompareJob:
+        return view->compareWith(textParameter(message, "CompareJob"), textParameter(message, "File"));
+    case MessageType::ShowFindings:
+        return view->setFindings(parameter(message, "Findings").toList());
+    default:
+        return;
+    }
 }

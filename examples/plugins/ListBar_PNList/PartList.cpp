@@ -1,9 +1,7 @@
+#include "PartTable.h"
 #include "messages.h"
-#include "sampleJob.h"
 
 #include <QtWidgets/QDockWidget>
-#include <QtWidgets/QHeaderView>
-#include <QtWidgets/QTreeWidget>
 
 /// A dock with the part numbers, or those of them that contain the filter.
 class PartList : public QDockWidget
@@ -13,57 +11,53 @@ class PartList : public QDockWidget
 public:
     explicit PartList(QWidget *parent);
 
-    void selectPart(const QString &number);
+    void useFolder(const QString &folder);
+    void selectPart(const QString &number) { m_parts->selectPart(number); }
     void setFilter(const QString &filter);
-    void renameJob(const QString &oldName, const QString &newName);
+    void renameJob(const QString &oldName, const QString &newName) { m_parts->renameJob(oldName, newName); }
 
 signals:
     void sendMsgToManager(const PluginMetaData &message);
 
 private:
-    QTreeWidget *const m_list = new QTreeWidget(this);
+    void tell(const char *receiver, qint32 type, const QMap<QString, QVariant> &parameters);
+    void tellCount();
+
+    PartTable *const m_parts = new PartTable;
 };
 
 PartList::PartList(QWidget *parent)
-    : QDockWidget(QStringLiteral("Part numbers"), parent)
+    : QDockWidget(tr("Part numbers"), parent)
 {
-    setObjectName(QStringLiteral("ListBar_PNList"));
-    setWidget(m_list);
-    m_list->setRootIsDecorated(false);
-    m_list->setHeaderLabels({QStringLiteral("Part"), QStringLiteral("Rev"), QStringLiteral("Job")});
-    m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    for (const Part &part : sampleParts())
-        new QTreeWidgetItem(m_list, {part.number, part.revision, part.jobName});
-    selectPart(sampleParts().first().number);
-    connect(m_list, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem *item) {
-        if (item)
-            emit sendMsgToManager(makeMessage("ListBar_PNList.dll", "CAM_PNData_View.dll",
-                                              MessageType::SelectPart, {{"Part", item->text(0)}}));
+    setObjectName(QLatin1String("ListBar_PNList"));
+    setFeatures(DockWidgetMovable);
+    setWidget(m_parts);
+    connect(m_parts, &PartTable::partSelected, this, [this](const Part &part) {
+        tell("CAM_PNData_View.dll", MessageType::SelectPart, {{"Part", part.number}, {"File", part.file}});
     });
 }
 
-void PartList::selectPart(const QString &number)
+void PartList::useFolder(const QString &folder)
 {
-    const QList<QTreeWidgetItem *> parts = m_list->findItems(number, Qt::MatchExactly);
-    if (!parts.isEmpty())
-        m_list->setCurrentItem(parts.first());
+    m_parts->useFolder(folder);
+    tellCount();
 }
 
 void PartList::setFilter(const QString &filter)
 {
-    for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
-        QTreeWidgetItem *const item = m_list->topLevelItem(row);
-        const bool matches = item->text(0).contains(filter, Qt::CaseInsensitive)
-                             || item->text(2).contains(filter, Qt::CaseInsensitive);
-        item->setHidden(!matches);
-    }
+    m_parts->setFilter(filter);
+    tellCount();
 }
 
-void PartList::renameJob(const QString &oldName, const QString &newName)
+void PartList::tell(const char *receiver, qint32 type, const QMap<QString, QVariant> &parameters)
 {
-    const QList<QTreeWidgetItem *> parts = m_list->findItems(oldName, Qt::MatchExactly, 2);
-    for (QTreeWidgetItem *const part : parts)
-        part->setText(2, newName);
+    emit sendMsgToManager(makeMessage("ListBar_PNList.dll", receiver, type, parameters));
+}
+
+void PartList::tellCount()
+{
+    tell("CAM_FilterAndInfo_Bar.dll", MessageType::PartsListed,
+         {{"Count", m_parts->shownCount()}, {"Total", m_parts->topLevelItemCount()}});
 }
 
 /// The dock belongs to its parent.
@@ -77,6 +71,8 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
     auto *const list = static_cast<PartList *>(static_cast<QDockWidget *>(element));
     if (message.type == MessageType::ShowText)
         list->setWindowTitle(textParameter(message, "Text"));
+    else if (message.type == MessageType::UseFolder)
+        list->useFolder(textParameter(message, "Folder"));
     else if (message.type == MessageType::SelectPart)
         list->selectPart(textParameter(message, "Part"));
     else if (message.type == MessageType::FilterParts)

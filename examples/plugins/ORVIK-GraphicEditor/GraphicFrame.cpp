@@ -21,6 +21,7 @@ public:
 
 signals:
     void stepRequested(const QString &job, const QString &step);
+    void sendMsgToManager(const PluginMetaData &message);
 
 private:
     void setNames(const QString &job, const QString &step);
@@ -36,8 +37,8 @@ GraphicFrame::GraphicFrame(QWidget *parent, const QString &job, const QString &s
 {
     setWindowFlags(Qt::Widget);
     setNames(job, step);
-    m_text->setObjectName(QStringLiteral("text"));
-    m_keys->setObjectName(QStringLiteral("keys"));
+    m_text->setObjectName(QLatin1String("text"));
+    m_keys->setObjectName(QLatin1String("keys"));
     statusBar()->setSizeGripEnabled(false);
     statusBar()->addPermanentWidget(m_text);
     statusBar()->addPermanentWidget(m_keys);
@@ -64,13 +65,19 @@ void GraphicFrame::receive(const PluginMetaData &message)
         setNames(textParameter(message, "NewJobName"), m_step);
         break;
     case MessageType::RenameStep:
-        setNames(m_job, textParameter(message, "ChangeStepName"));
+        if (textParameter(message, "OldStepName") == m_step)
+            setNames(m_job, textParameter(message, "ChangeStepName"));
         break;
     case MessageType::ShowText:
         m_text->setText(textParameter(message, "Text"));
         break;
     case MessageType::ShowKeys:
         m_keys->setText(textParameter(message, "Keys"));
+        break;
+    case MessageType::UseUnit:
+        // Units belong to the element that shows coordinates.
+        emit sendMsgToManager(makeMessage("ORVIK-GraphicEditor.dll", "Graphic_Coordinate.dll", message.type,
+                                          {{"Unit", textParameter(message, "Unit")}}));
         break;
     case MessageType::SelectStep:
         emit stepRequested(textParameter(message, "JobName"), textParameter(message, "Step"));
@@ -87,7 +94,7 @@ void GraphicFrame::setNames(const QString &job, const QString &step)
 {
     m_job = job;
     m_step = step;
-    setWindowTitle(job + QStringLiteral(" | ") + step);
+    setWindowTitle(job + QLatin1String(" | ") + step);
 }
 
 /// The frame belongs to its parent.

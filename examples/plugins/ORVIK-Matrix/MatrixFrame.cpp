@@ -1,12 +1,14 @@
 #include "messages.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtWidgets/QMainWindow>
+#include <QtWidgets/QStatusBar>
 
 namespace {
 
 void showJob(QMainWindow *frame, const QString &name)
 {
-    frame->setWindowTitle(QStringLiteral("Matrix ") + name);
+    frame->setWindowTitle(QCoreApplication::translate("MatrixFrame", "Matrix %1").arg(name));
 }
 
 }
@@ -27,6 +29,8 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *target, PluginMetaData mes
         showJob(frame, textParameter(message, "JobName"));
     else if (message.type == MessageType::MatrixJobRenamed)
         showJob(frame, textParameter(message, "NewJobName"));
+    else if (message.type == MessageType::ShowText)
+        frame->statusBar()->showMessage(textParameter(message, "Text"));
     else if (message.type == MessageType::FrameClosed)
         frame->deleteLater();
 }

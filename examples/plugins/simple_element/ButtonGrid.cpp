@@ -10,7 +10,7 @@ QToolButton *makeButton(QAction *action)
 {
     auto *const button = new QToolButton;
     button->setDefaultAction(action);
-    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    button->setAutoRaise(true);
     return button;
 }
 
@@ -20,12 +20,12 @@ QToolButton *makeButton(QAction *action)
 /// belong to the widget of that layout. The parent may have a layout already, so it is not used here.
 extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *)
 {
-    constexpr int columns = 2;
     auto *const grid = new QGridLayout;
-    grid->setSpacing(3);
-    const QList<QAction *> actions = makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), grid);
+    grid->setSpacing(1);
+    grid->setContentsMargins(0, 0, 0, 0);
+    const QList<QAction *> actions = makeEntryActions(simpleElement(PLUGIN_LIBRARY).entries, grid);
     for (QAction *const action : actions)
-        grid->addWidget(makeButton(action), grid->count() / columns, grid->count() % columns);
+        grid->addWidget(makeButton(action), 0, grid->count());
     return grid;
 }
 

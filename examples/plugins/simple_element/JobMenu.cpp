@@ -6,10 +6,11 @@
 /// The menu belongs to its parent. Its first entry is a heading with the name of the job that it acts on.
 extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent, const QString &text)
 {
-    auto *const menu = new QMenu(QStringLiteral(PLUGIN_TITLE), parent);
+    const SimpleElement &self = simpleElement(PLUGIN_LIBRARY);
+    auto *const menu = new QMenu(translatedEntry(self.title), parent);
     menu->addAction(text)->setEnabled(false);
     menu->addSeparator();
-    menu->addActions(makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), menu));
+    menu->addActions(makeEntryActions(self.entries, menu));
     return menu;
 }
 

@@ -6,8 +6,9 @@
 /// The menu belongs to its parent.
 extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent)
 {
-    auto *const menu = new QMenu(QStringLiteral(PLUGIN_TITLE), parent);
-    menu->addActions(makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), menu));
+    const SimpleElement &self = simpleElement(PLUGIN_LIBRARY);
+    auto *const menu = new QMenu(translatedEntry(self.title), parent);
+    menu->addActions(makeEntryActions(self.entries, menu));
     return menu;
 }
 

@@ -9,9 +9,12 @@
 /// The tool bar belongs to its parent. PLUGIN_ELEMENT is what the host knows it as, QToolBar or QWidget.
 extern "C" Q_DECL_EXPORT void *PLUGIN_FACTORY(QWidget *parent)
 {
-    auto *const toolBar = new QToolBar(QStringLiteral(PLUGIN_TITLE), parent);
-    toolBar->setObjectName(toolBar->windowTitle());
-    toolBar->addActions(makeEntryActions(QStringLiteral(PLUGIN_ENTRIES), toolBar));
+    const SimpleElement &self = simpleElement(PLUGIN_LIBRARY);
+    auto *const toolBar = new QToolBar(translatedEntry(self.title), parent);
+    toolBar->setObjectName(QLatin1String(self.library));
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolBar->setIconSize({16, 16});
+    toolBar->addActions(makeEntryActions(self.entries, toolBar));
     // As a plain widget it stands among others, whose layout has margins already.
     if (std::is_same_v<PLUGIN_ELEMENT, QWidget>)
         toolBar->layout()->setContentsMargins(0, 0, 0, 0);

@@ -35,6 +35,7 @@ private:
 
     QDir m_folder = QDir::temp();
     QString m_part;
+    QList<QAction *> m_commands;
 };
 
 PointFiles::PointFiles()
@@ -44,14 +45,15 @@ PointFiles::PointFiles()
 
 QToolBar *PointFiles::createToolBar(QWidget *parent)
 {
-    auto *const toolBar = new QToolBar(QStringLiteral("Points"), parent);
+    auto *const toolBar = new QToolBar(tr("Points"), parent);
+    toolBar->setObjectName(QLatin1String("File_Process"));
     toolBar->addActions(commands());
     return toolBar;
 }
 
 QMenu *PointFiles::createMenu()
 {
-    auto *const menu = new QMenu(QStringLiteral("Points"));
+    auto *const menu = new QMenu(tr("Points"));
     menu->addActions(commands());
     return menu;
 }
@@ -67,37 +69,42 @@ void PointFiles::recMsgFromManager(PluginMetaData message)
     else if (message.type == MessageType::ShowPoints)
         write(parameter(message, "Points").toList());
     else if (message.type == MessageType::RunCommand && m_part.isEmpty())
-        tell(QStringLiteral("No part is selected"));
+        tell(tr("No part is selected"));
     else if (message.type == MessageType::RunCommand && command == QLatin1String("open"))
         open();
     else if (message.type == MessageType::RunCommand && command == QLatin1String("save"))
         send("Viewbar_View", MessageType::AskForPoints, {});
 }
 
-/// The manager hands over what a plug-in sends to itself, too.
+/// The manager hands over what a plug-in sends to itself, too. Tool bar and menu share the actions, and with
+/// them the keys.
 QList<QAction *> PointFiles::commands()
 {
-    return makeCommands("Open,Save", "File_Process");
+    if (m_commands.isEmpty())
+        m_commands = makeCommands({{QT_TRANSLATE_NOOP("Entries", "Open"), "Ctrl+O"},
+                                   {QT_TRANSLATE_NOOP("Entries", "Save"), "Ctrl+S"}},
+                                  "File_Process");
+    return m_commands;
 }
 
 QString PointFiles::fileName() const
 {
-    return QStringLiteral("testpoints-%1.json").arg(m_part);
+    return QLatin1String("testpoints-%1.json").arg(m_part);
 }
 
 void PointFiles::open()
 {
     QFile file(m_folder.filePath(fileName()));
     if (!file.open(QIODevice::ReadOnly)) {
-        tell(QStringLiteral("Cannot open %1: %2").arg(file.fileName(), file.errorString()));
+        tell(tr("Cannot open %1: %2").arg(file.fileName(), file.errorString()));
         return;
     }
     const QJsonArray saved = QJsonDocument::fromJson(file.readAll()).array();
     QVariantList points;
     for (const QJsonValue &point : saved)
-        points.append(QPointF(point[QStringLiteral("x")].toDouble(), point[QStringLiteral("y")].toDouble()));
+        points.append(QPointF(point["x"].toDouble(), point["y"].toDouble()));
     send("Viewbar_View", MessageType::ShowPoints, {{"Points", points}});
-    tell(QStringLiteral("%1 test points opened from %2").arg(points.size()).arg(fileName()));
+    tell(tr("%1 test points opened from %2").arg(points.size()).arg(fileName()));
 }
 
 void PointFiles::write(const QVariantList &points)
@@ -107,9 +114,9 @@ void PointFiles::write(const QVariantList &points)
         saved.append(QJsonObject{{"x", point.toPointF().x()}, {"y", point.toPointF().y()}});
     QSaveFile file(m_folder.filePath(fileName()));
     if (file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(saved).toJson()) >= 0 && file.commit())
-        tell(QStringLiteral("%1 test points saved to %2").arg(points.size()).arg(fileName()));
+        tell(tr("%1 test points saved to %2").arg(points.size()).arg(fileName()));
     else
-        tell(QStringLiteral("Cannot save %1: %2").arg(file.fileName(), file.errorString()));
+        tell(tr("Cannot save %1: %2").arg(file.fileName(), file.errorString()));
 }
 
 void PointFiles::tell(const QString &text)

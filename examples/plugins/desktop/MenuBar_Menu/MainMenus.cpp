@@ -43,9 +43,11 @@ MainMenus::MainMenus()
 
 QMenu *MainMenus::createFileMenu()
 {
-    auto *const menu = new QMenu(QStringLiteral("File"));
-    menu->addActions(makeCommands("Open,Save,-", "File_Process"));
-    connect(menu->addAction(QStringLiteral("Exit")), &QAction::triggered, this, [this] {
+    auto *const menu = new QMenu(tr("File"));
+    menu->addActions(makeCommands(
+        {{QT_TRANSLATE_NOOP("Entries", "Open"), ""}, {QT_TRANSLATE_NOOP("Entries", "Save"), ""}, separator},
+        "File_Process"));
+    connect(menu->addAction(tr("Exit")), &QAction::triggered, this, [this] {
         if (m_hostWindow)
             m_hostWindow->window()->close();
     });
@@ -54,8 +56,14 @@ QMenu *MainMenus::createFileMenu()
 
 QMenu *MainMenus::createEditMenu()
 {
-    auto *const menu = new QMenu(QStringLiteral("Edit"));
-    menu->addActions(makeCommands("Add,Duplicate,Delete,-,All,None", "Viewbar_View"));
+    auto *const menu = new QMenu(tr("Edit"));
+    menu->addActions(makeCommands({{QT_TRANSLATE_NOOP("Entries", "Add"), ""},
+                                   {QT_TRANSLATE_NOOP("Entries", "Duplicate"), ""},
+                                   {QT_TRANSLATE_NOOP("Entries", "Delete"), ""},
+                                   separator,
+                                   {QT_TRANSLATE_NOOP("Entries", "All"), ""},
+                                   {QT_TRANSLATE_NOOP("Entries", "None"), ""}},
+                                  "Viewbar_View"));
     return menu;
 }
 
@@ -66,20 +74,21 @@ void MainMenus::attachTo(QWidget *parent)
     if (!window)
         return;
     m_progressBar = new QProgressBar;
+    m_progressBar->setObjectName(QLatin1String("progress"));
     m_progressBar->setRange(0, 100);
-    m_progressBar->setFixedWidth(200);
+    m_progressBar->setFixedWidth(m_progressBar->fontMetrics().averageCharWidth() * 28);
+    m_progressBar->setMaximumHeight(m_progressBar->fontMetrics().height() + 4);
     window->statusBar()->addPermanentWidget(m_progressBar);
 }
 
 QMenu *MainMenus::createHelpMenu()
 {
-    auto *const menu = new QMenu(QStringLiteral("Help"));
-    connect(menu->addAction(QStringLiteral("Test points")), &QAction::triggered, this, [this] {
-        explain(QStringLiteral("Click a test point to select it, drag it to move it, or use the tool bars."));
+    auto *const menu = new QMenu(tr("Help"));
+    connect(menu->addAction(tr("Test points")), &QAction::triggered, this, [this] {
+        explain(tr("Click a test point to select it, drag it to move it, or use the tool bars."));
     });
-    connect(menu->addAction(QStringLiteral("Plating area")), &QAction::triggered, this, [this] {
-        explain(QStringLiteral("Plating area counts the copper of the part that is selected."));
-    });
+    connect(menu->addAction(tr("Plating area")), &QAction::triggered, this,
+            [this] { explain(tr("Plating area counts the copper of the part that is selected.")); });
     return menu;
 }
 

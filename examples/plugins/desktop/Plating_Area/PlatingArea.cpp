@@ -1,5 +1,5 @@
 #include "DesktopPlugin.h"
-#include "sampleJob.h"
+#include "board.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char *copperLayers[] = {"top", "bottom"};
 constexpr int bandCount = 25;
-constexpr int pixelsPerMillimetre = 200;
+constexpr int pixelsPerMillimetre = 100;
 
 void paintCopper(QPainter &painter, const Layer &copper, const Layer &drills)
 {
@@ -32,6 +32,13 @@ void paintCopper(QPainter &painter, const Layer &copper, const Layer &drills)
     painter.setBrush(Qt::black);
     for (const Drill &drill : drills.drills)
         painter.drawEllipse(drill.center, drill.diameter / 2, drill.diameter / 2);
+}
+
+/// An empty layer when the job has none of this name.
+Layer layerOf(const Job &job, const char *name)
+{
+    const Layer *const layer = job.layer(QLatin1String(name));
+    return layer ? *layer : Layer();
 }
 
 /// How much of the band is copper, in square millimetres.
@@ -78,10 +85,11 @@ private:
     void tell(const QString &text);
 
     // These run on the worker thread.
-    void count(const Part &part);
+    void count(const QString &part, const QString &file);
     void showProgress(int percent);
 
-    const Part *m_part = nullptr;
+    QString m_part;
+    QString m_file;
     std::unique_ptr<QThread> m_worker;
 };
 
@@ -101,23 +109,24 @@ void PlatingArea::recMsgFromManager(PluginMetaData message)
     const QString command = textParameter(message, "Command");
     if (message.type == MessageType::SelectPart) {
         stop();
-        m_part = findPart(textParameter(message, "Part"));
+        m_part = textParameter(message, "Part");
+        m_file = textParameter(message, "File");
     } else if (message.type == MessageType::RunCommand && command == QLatin1String("platingArea")) {
         start();
     } else if (message.type == MessageType::RunCommand && command == QLatin1String("introduce")) {
-        tell(QStringLiteral("Select a part. Plating area then counts its copper."));
+        tell(tr("Select a part. Plating area then counts its copper."));
     }
 }
 
 void PlatingArea::start()
 {
     stop();
-    if (!m_part) {
-        tell(QStringLiteral("No part is selected"));
+    if (m_part.isEmpty()) {
+        tell(tr("No part is selected"));
         return;
     }
-    tell(QStringLiteral("Counting the copper of ") + m_part->number);
-    m_worker.reset(QThread::create([this, part = *m_part] { count(part); }));
+    tell(tr("Counting the copper of %1").arg(m_part));
+    m_worker.reset(QThread::create([this, part = m_part, file = m_file] { count(part, file); }));
     m_worker->start();
 }
 
@@ -135,34 +144,35 @@ void PlatingArea::tell(const QString &text)
     send("Viewbar_Status", MessageType::ShowText, {{"Text", text}});
 }
 
-void PlatingArea::count(const Part &part)
+void PlatingArea::count(const QString &part, const QString &file)
 {
-    const Job job = readJob(part.jobName);
-    const double bandHeight = job.board.height() / bandCount;
+    const Job job = readJob(file);
+    const QRectF board = job.outline.boundingRect();
+    const double bandHeight = board.height() / bandCount;
     QStringList results;
     int percent = 0;
     showProgress(percent);
     for (const char *const layer : copperLayers) {
+        const Layer copper = layerOf(job, layer);
+        const Layer drills = layerOf(job, "drill");
         double area = 0;
         for (int band = 1; band <= bandCount; ++band) {
             if (QThread::currentThread()->isInterruptionRequested()) {
                 showProgress(0);
                 return;
             }
-            const QRectF lines(job.board.left(), job.board.bottom() - band * bandHeight, job.board.width(),
-                               bandHeight);
-            area +=
-                copperIn(lines, *layerOf(job, QLatin1String(layer)), *layerOf(job, QStringLiteral("drill")));
+            const QRectF lines(board.left(), board.bottom() - band * bandHeight, board.width(), bandHeight);
+            area += copperIn(lines, copper, drills);
             percent += 100 / (bandCount * static_cast<int>(std::size(copperLayers)));
             send("Viewbar_View", MessageType::AreaCounted,
-                 {{"Part", part.number}, {"Layer", layer}, {"Area", lines}});
+                 {{"Part", part}, {"Layer", layer}, {"Area", lines}});
             showProgress(percent);
         }
-        results.append(QStringLiteral("%1 %2 mm\u00b2").arg(QLatin1String(layer)).arg(area, 0, 'f', 1));
+        results.append(tr("%1 %2 mm\u00b2").arg(QLatin1String(layer)).arg(area, 0, 'f', 1));
     }
-    const QString text = QStringLiteral("Copper: ") + results.join(QStringLiteral(", "));
-    send("Viewbar_View", MessageType::ShowText, {{"Part", part.number}, {"Text", text}});
-    tell(part.number + QStringLiteral(" counted"));
+    send("Viewbar_View", MessageType::ShowText,
+         {{"Part", part}, {"Text", tr("Copper: %1").arg(results.join(QLatin1String(", ")))}});
+    tell(tr("%1 counted").arg(part));
 }
 
 void PlatingArea::showProgress(int percent)

@@ -22,7 +22,11 @@ SelectTools::SelectTools()
 
 QList<QAction *> SelectTools::createActions()
 {
-    return makeCommands("All,None,Next,Invert", "Viewbar_View");
+    return makeCommands({{QT_TRANSLATE_NOOP("Entries", "All"), "Ctrl+A"},
+                         {QT_TRANSLATE_NOOP("Entries", "None"), "Ctrl+Shift+A"},
+                         {QT_TRANSLATE_NOOP("Entries", "Next"), "N"},
+                         {QT_TRANSLATE_NOOP("Entries", "Invert"), "Ctrl+I"}},
+                        "Viewbar_View");
 }
 
 #include "SelectTools.moc"

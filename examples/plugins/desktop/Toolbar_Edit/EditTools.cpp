@@ -22,7 +22,10 @@ EditTools::EditTools()
 
 QList<QAction *> EditTools::createActions()
 {
-    return makeCommands("Add,Duplicate,Delete", "Viewbar_View");
+    return makeCommands({{QT_TRANSLATE_NOOP("Entries", "Add"), "Ins"},
+                         {QT_TRANSLATE_NOOP("Entries", "Duplicate"), "Ctrl+D"},
+                         {QT_TRANSLATE_NOOP("Entries", "Delete"), "Del"}},
+                        "Viewbar_View");
 }
 
 #include "EditTools.moc"

@@ -22,7 +22,11 @@ MoveTools::MoveTools()
 
 QList<QAction *> MoveTools::createActions()
 {
-    return makeCommands("Left,Right,Up,Down", "Viewbar_View");
+    return makeCommands({{QT_TRANSLATE_NOOP("Entries", "Left"), "Ctrl+Left"},
+                         {QT_TRANSLATE_NOOP("Entries", "Right"), "Ctrl+Right"},
+                         {QT_TRANSLATE_NOOP("Entries", "Up"), "Ctrl+Up"},
+                         {QT_TRANSLATE_NOOP("Entries", "Down"), "Ctrl+Down"}},
+                        "Viewbar_View");
 }
 
 #include "MoveTools.moc"

@@ -22,7 +22,10 @@ GeneralTools::GeneralTools()
 
 QList<QAction *> GeneralTools::createActions()
 {
-    return makeCommands("Grid,Snap", "Viewbar_View") + makeCommands("Plating area", "Plating_Area");
+    return makeCommands(
+               {{QT_TRANSLATE_NOOP("Entries", "Grid"), "G"}, {QT_TRANSLATE_NOOP("Entries", "Snap"), "S"}},
+               "Viewbar_View")
+           + makeCommands({{QT_TRANSLATE_NOOP("Entries", "Plating area"), "F5"}}, "Plating_Area");
 }
 
 #include "GeneralTools.moc"

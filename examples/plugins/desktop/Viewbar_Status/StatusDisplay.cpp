@@ -43,24 +43,23 @@ QWidget *StatusDisplay::createStatusWidget()
         row->addWidget(label);
     }
     // However long a text is, it does not widen the window.
-    auto *const text = m_widget->findChild<QLabel *>(QStringLiteral("text"));
+    auto *const text = m_widget->findChild<QLabel *>(QLatin1String("text"));
     text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     row->setStretchFactor(text, 1);
     row->setSpacing(16);
-    show("part", QStringLiteral("No part"));
+    show("part", tr("No part"));
     return m_widget;
 }
 
 void StatusDisplay::recMsgFromManager(PluginMetaData message)
 {
     if (message.type == MessageType::SelectPart)
-        show("part", QStringLiteral("Part ") + textParameter(message, "Part"));
+        show("part", tr("Part %1").arg(textParameter(message, "Part")));
     else if (message.type == MessageType::ShowText)
         show("text", textParameter(message, "Text"));
     else if (message.type == MessageType::FollowView) {
         const QPointF position = parameter(message, "Position").toPointF();
-        show("position",
-             QStringLiteral("X %1  Y %2 mm").arg(position.x(), 0, 'f', 2).arg(position.y(), 0, 'f', 2));
+        show("position", tr("X %1  Y %2 mm").arg(position.x(), 0, 'f', 2).arg(position.y(), 0, 'f', 2));
     }
 }
 

@@ -1,6 +1,6 @@
 #include "PointView.h"
 
-#include "jobPainting.h"
+#include "boardPainting.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -10,7 +10,6 @@
 
 namespace {
 
-const QColor backgroundColor(16, 20, 28);
 const QColor gridColor(255, 255, 255, 70);
 const QColor captionColor(215, 220, 225);
 const QColor pointColor(90, 220, 255);
@@ -30,11 +29,11 @@ PointView::PointView()
 
 QString PointView::caption() const
 {
-    if (!m_part)
-        return QStringLiteral("No part is selected");
+    if (m_job.isEmpty())
+        return tr("No part is selected");
     const auto selected = std::count_if(m_points.begin(), m_points.end(), std::mem_fn(&TestPoint::selected));
-    return QStringLiteral("%1 %2, job %3: %4 test points, %5 selected")
-        .arg(m_part->number, m_part->revision, m_part->jobName)
+    return tr("%1 %2, job %3: %4 test points, %5 selected")
+        .arg(m_job.part.number, m_job.part.revision, m_job.part.jobName)
         .arg(m_points.size())
         .arg(selected);
 }
@@ -47,26 +46,27 @@ QVector<QPointF> PointView::positions() const
     return positions;
 }
 
-void PointView::showPart(const QString &number)
+void PointView::showPart(const QString &file)
 {
-    if (m_part)
-        m_pointsOfParts.insert(m_part->number, m_points);
-    m_part = findPart(number);
-    m_step = m_part ? readStep(m_part->jobName, QStringLiteral("pcb")) : Step();
-    m_points = m_pointsOfParts.value(number);
+    m_pointsOfParts.insert(m_job.part.number, m_points);
+    m_job = readJob(file);
+    m_step = m_job.step(QLatin1String("pcb"));
+    m_points = m_pointsOfParts.value(m_job.part.number);
     m_text.clear();
     m_countedLayer.clear();
     m_counted = {};
+    m_picture = {};
     update();
 }
 
 void PointView::showText(const QString &part, const QString &text)
 {
-    if (!m_part || m_part->number != part)
+    if (m_job.part.number != part)
         return;
     m_text = text;
     m_countedLayer.clear();
     m_counted = {};
+    m_picture = {};
     update();
 }
 
@@ -80,8 +80,10 @@ void PointView::showPoints(const QVector<QPointF> &positions)
 
 void PointView::showCounted(const QString &part, const QString &layer, const QRectF &area)
 {
-    if (!m_part || m_part->number != part)
+    if (m_job.part.number != part)
         return;
+    if (layer != m_countedLayer)
+        m_picture = {};
     m_counted = layer == m_countedLayer ? m_counted | area : area;
     m_countedLayer = layer;
     update();
@@ -90,7 +92,7 @@ void PointView::showCounted(const QString &part, const QString &layer, const QRe
 void PointView::runCommand(const QString &command)
 {
     const Command known = commands().value(command);
-    if (!known || !m_part)
+    if (!known || m_job.isEmpty())
         return;
     (this->*known)();
     update();
@@ -98,16 +100,18 @@ void PointView::runCommand(const QString &command)
 
 void PointView::paintEvent(QPaintEvent *)
 {
+    if (m_picture.size() != size() * devicePixelRatioF())
+        paintPicture();
     QPainter painter(this);
-    painter.fillRect(rect(), backgroundColor);
+    painter.drawPixmap(0, 0, m_picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (m_part) {
-        painter.setTransform(toScreen());
-        paintStep(painter, m_step, m_countedLayer);
+    if (!m_job.isEmpty()) {
+        painter.save();
+        painter.setTransform(toScreen(), true);
         painter.fillRect(m_counted, QColor(255, 255, 255, 70));
         if (m_showsGrid)
             paintGrid(painter);
-        painter.resetTransform();
+        painter.restore();
         paintPoints(painter);
     }
     paintCaptions(painter);
@@ -133,7 +137,7 @@ void PointView::mousePressEvent(QMouseEvent *event)
 
 void PointView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_part)
+    if (m_job.isEmpty())
         return;
     const QPointF position = toScreen().inverted().map(event->localPos());
     if (event->buttons().testFlag(Qt::LeftButton)) {
@@ -167,7 +171,7 @@ const QHash<QString, PointView::Command> &PointView::commands()
 /// New points fill the board row by row.
 void PointView::add()
 {
-    const QSizeF size = m_step.job.board.size();
+    const QSizeF size = m_step.area.size();
     const int columns = static_cast<int>(size.width() / sitePitch) - 1;
     const int rows = static_cast<int>(size.height() / sitePitch) - 1;
     const int site = m_points.size() % (columns * rows);
@@ -244,7 +248,7 @@ void PointView::moveSelected(QPointF distance)
 
 QPointF PointView::onBoard(QPointF position) const
 {
-    const QRectF board = m_step.job.board;
+    const QRectF board = m_step.area;
     return {std::clamp(position.x(), board.left(), board.right()),
             std::clamp(position.y(), board.top(), board.bottom())};
 }
@@ -258,7 +262,7 @@ QRectF PointView::boardArea() const
 
 QTransform PointView::toScreen() const
 {
-    const QRectF board = m_step.job.board;
+    const QRectF board = m_step.area;
     if (board.isEmpty())
         return {};
     const double scale = std::min(boardArea().width() / board.width(), boardArea().height() / board.height());
@@ -267,9 +271,22 @@ QTransform PointView::toScreen() const
            * QTransform::fromTranslate(boardArea().center().x(), boardArea().center().y());
 }
 
+void PointView::paintPicture()
+{
+    m_picture = QPixmap(size() * devicePixelRatioF());
+    m_picture.setDevicePixelRatio(devicePixelRatioF());
+    m_picture.fill(BoardColors::background);
+    if (m_job.isEmpty())
+        return;
+    QPainter painter(&m_picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setTransform(toScreen(), true);
+    paintStep(painter, m_job, m_step, m_countedLayer);
+}
+
 void PointView::paintGrid(QPainter &painter) const
 {
-    const QRectF board = m_step.job.board;
+    const QRectF board = m_step.area;
     painter.setPen(QPen(gridColor, 0));
     for (double x = board.left(); x <= board.right(); x += gridPitch)
         painter.drawLine(QPointF(x, board.top()), QPointF(x, board.bottom()));
@@ -289,7 +306,7 @@ void PointView::paintPoints(QPainter &painter) const
         painter.setBrush(QColor(0, 0, 0, 150));
         painter.drawEllipse(center, radius, radius);
         painter.drawText(QRectF(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius),
-                         Qt::AlignCenter, QStringLiteral("T%1").arg(index + 1));
+                         Qt::AlignCenter, tr("T%1").arg(index + 1));
     }
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "sampleJob.h"
+#include "board.h"
 
 #include <QtCore/QHash>
+#include <QtGui/QPixmap>
 #include <QtGui/QTransform>
 #include <QtWidgets/QWidget>
 
@@ -26,7 +27,7 @@ public:
     QString text() const { return m_text; }
     QVector<QPointF> positions() const;
 
-    void showPart(const QString &number);
+    void showPart(const QString &file);
     void showText(const QString &part, const QString &text);
     void showPoints(const QVector<QPointF> &positions);
     void showCounted(const QString &part, const QString &layer, const QRectF &area);
@@ -62,14 +63,17 @@ private:
     QPointF onBoard(QPointF position) const;
     QRectF boardArea() const;
     QTransform toScreen() const;
+    void paintPicture();
     void paintGrid(QPainter &painter) const;
     void paintPoints(QPainter &painter) const;
     void paintCaptions(QPainter &painter) const;
 
     static constexpr double moveStep = 2;
 
-    const Part *m_part = nullptr;
+    Job m_job;
     Step m_step;
+    /// The board, painted once for each size and layer.
+    QPixmap m_picture;
     QHash<QString, QVector<TestPoint>> m_pointsOfParts;
     QVector<TestPoint> m_points;
     QString m_text;

@@ -45,7 +45,7 @@ void View::recMsgFromManager(PluginMetaData message)
     if (!m_view)
         return;
     if (message.type == MessageType::SelectPart)
-        m_view->showPart(textParameter(message, "Part"));
+        m_view->showPart(textParameter(message, "File"));
     else if (message.type == MessageType::RunCommand)
         m_view->runCommand(textParameter(message, "Command"));
     else if (message.type == MessageType::AskForPoints)

@@ -14,7 +14,7 @@ void DesktopPlugin::send(const QString &receiver, qint32 type, const QMap<QStrin
     emit sendMsgToManager(makeMessage(m_name, receiver, type, data));
 }
 
-QList<QAction *> DesktopPlugin::makeCommands(const QString &entries, const QString &receiver)
+QList<QAction *> DesktopPlugin::makeCommands(std::initializer_list<Entry> entries, const QString &receiver)
 {
     const QList<QAction *> actions = makeEntryActions(entries, this);
     for (const QAction *const action : actions)

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "entries.h"
 #include "messages.h"
 
 #include <PluginInterface.h>
 
 #include <QtCore/QList>
+
+#include <initializer_list>
 
 class QAction;
 
@@ -32,9 +35,9 @@ protected:
     /// May be called from any thread; the message arrives on that of the user interface.
     void send(const QString &receiver, qint32 type, const QMap<QString, QVariant> &data);
 
-    /// Actions that this object owns, one for each comma-separated text of `entries`. Each sends its command
-    /// to the plug-in `receiver`: "Zoom in" sends "zoomIn".
-    QList<QAction *> makeCommands(const QString &entries, const QString &receiver);
+    /// Actions that this object owns. Each sends its command to the plug-in `receiver`: "Zoom in" sends
+    /// "zoomIn".
+    QList<QAction *> makeCommands(std::initializer_list<Entry> entries, const QString &receiver);
 
 private:
     const QString m_name;
