@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Where the dynamic loader finds them, too: on Windows beside the program, elsewhere in a folder of their own
-/// next to the program's.
+/// Where the dynamic loader finds them, too: on Windows beside the program, elsewhere in a folder of their
+/// own next to the program's.
 QStringList likelyPluginFolders()
 {
     const QString program = QCoreApplication::applicationDirPath();
