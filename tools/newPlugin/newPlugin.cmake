@@ -168,6 +168,7 @@ function(set_tool)
     list(JOIN widgets "" widgets)
     set(WIDGET_INCLUDES "\n${widgets}" PARENT_SCOPE)
     set(BASE ", public ${interface}" PARENT_SCOPE)
+    set(INTERFACE " ${interface}" PARENT_SCOPE)
     set(OPERATIONS "\n${operations}\n" PARENT_SCOPE)
 endfunction()
 

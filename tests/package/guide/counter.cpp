@@ -5,6 +5,7 @@ class Counter : public QObject, public PluginInterface
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "pluginManger.PluginInterface/1.0")
+    Q_INTERFACES(PluginInterface)
 
 public:
     void recMsgFromManager(PluginMetaData msg) override

@@ -9,6 +9,7 @@ class Files : public QObject, public PluginInterface, public FileProcess
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "pluginManger.PluginInterface/1.0")
+    Q_INTERFACES(PluginInterface FileProcess)
 
 public:
     QToolBar *createToolBar(QWidget *parent) override
