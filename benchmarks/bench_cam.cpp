@@ -22,6 +22,9 @@ constexpr qint32 quietType = 10000000;
 
 const QString editor = QStringLiteral("ORVIK-GraphicEditor.dll");
 const QString view = QStringLiteral("Graphic_View.dll");
+const QString dstTypeKey = QStringLiteral("DstType");
+const QString jobNameKey = QStringLiteral("JobName");
+const QString stepKey = QStringLiteral("Step");
 
 Bench::Workbench *workbench = nullptr;
 
@@ -107,20 +110,20 @@ void routeTraced(benchmark::State &state)
 PluginMetaData messageFor(const char *dstType)
 {
     PluginMetaData message = Bench::message(view);
-    message.data[QStringLiteral("DstType")] = QString::fromLatin1(dstType);
+    message.data[dstTypeKey] = QString::fromLatin1(dstType);
     return message;
 }
 
-QString valueOf(const PluginMetaData &message, const char *key)
+QString valueOf(const PluginMetaData &message, const QString &key)
 {
-    return message.data.value(QString::fromLatin1(key)).toString();
+    return message.data.value(key).toString();
 }
 
 void deliverToChildrenByHand(const void *parent, const PluginMetaData &message)
 {
     const std::string name = message.dst.toStdString();
     for (const RegisterRecord &record : workbench->records) {
-        if (record.parent == parent && record.type == "Plugin" && record.name == name)
+        if (record.parent == parent && record.name == name && record.type == "Plugin")
             deliverByHand(message.dst, record.object, message);
     }
 }
@@ -129,19 +132,19 @@ void transmitDataByHand(PluginMetaData message)
 {
     const void *const rootObject =
         scan([](const RegisterRecord &record) { return record.type == "EngineerRoot"; })->object;
-    const QString dstType = valueOf(message, "DstType");
+    const QString dstType = valueOf(message, dstTypeKey);
     if (dstType == QLatin1String("Graphic")) {
-        const QString key = valueOf(message, "JobName") + QLatin1String(" | ") + valueOf(message, "Step");
+        const QString key = valueOf(message, jobNameKey) + QLatin1String(" | ") + valueOf(message, stepKey);
         deliverToChildrenByHand(scanFor(key.toStdString(), rootObject)->object, message);
     } else if (dstType == QLatin1String("EngineerRoot")) {
         deliverToChildrenByHand(rootObject, message);
     } else if (dstType == QLatin1String("Matrix")) {
-        deliverToChildrenByHand(scanFor(valueOf(message, "JobName").toStdString(), rootObject)->object,
+        deliverToChildrenByHand(scanFor(valueOf(message, jobNameKey).toStdString(), rootObject)->object,
                                 message);
     } else {
-        const std::string key = (valueOf(message, "JobName") + QLatin1String("|Guide")).toStdString();
+        const std::string key = (valueOf(message, jobNameKey) + QLatin1String("|Guide")).toStdString();
         const RegisterRecord *const frame =
-            scan([&](const RegisterRecord &record) { return record.type == "Guide" && record.name == key; });
+            scan([&](const RegisterRecord &record) { return record.name == key && record.type == "Guide"; });
         deliverByHand(message.dst, frame->object, message);
     }
 }

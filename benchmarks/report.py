@@ -48,6 +48,12 @@ BARS = {
 }
 SHAPES = ("chain", "lattice", "star", "random")
 GROWTH_BAR = 1.1
+# Floors that leave out steps which the case must do: the bars are wished for, and misses are no error.
+NARROW_FLOORS = {
+    "slot direct, beside the bare signal": ("slot direct", "bare", 1.3),
+    **{f"loadAllPlugins, {count}, beside the loop alone": (f"loadAllPlugins/{count}", "loop", 1.25)
+       for count in (1, 10, 50, 200)},
+}
 PEERS = ("pluginManger", "Qt signal", "QMetaObject::invokeMethod", "QLibrary", "Boost.DLL", "Poco ClassLoader",
          "ROS class_loader", "KCoreAddons KPluginFactory")
 
@@ -79,6 +85,14 @@ def ratio_rows(times):
         floor = time_of(times, case, "floor")
         library = time_of(times, case, "library")
         yield case.replace("/", ", "), floor, library, library / floor, bar
+
+
+def narrow_rows(times):
+    """The same beside floors that leave steps out, and the growth of the check by itself."""
+    for name, (case, floor, bar) in NARROW_FLOORS.items():
+        yield name, time_of(times, case, "library") / time_of(times, case, floor), bar
+    for shape, _, exponent, _ in growth_rows(times):
+        yield f"check {shape}, exponent by itself", exponent, GROWTH_BAR
 
 
 def growth_rows(times):
@@ -128,18 +142,15 @@ def number(value, digits=0):
 
 
 def tables_of(times, costs):
-    bare = time_of(times, "slot direct", "library") / time_of(times, "slot direct", "bare")
-    loops = [(f"loadAllPlugins, {count}", time_of(times, f"loadAllPlugins/{count}", "library")
-              / time_of(times, f"loadAllPlugins/{count}", "loop")) for count in (1, 10, 50, 200)]
     operations = [name for kind, name in costs if kind == "allocations"]
     return {
         "cases": table(["case", "floor, ns", "library, ns", "ratio", "bar", ""],
                        [(case, number(floor), number(library), number(ratio, 2), number(bar, 2),
                          "missed" if bar and ratio > bar else "")
                         for case, floor, library, ratio, bar in ratio_rows(times)]),
-        "beside": table(["case", "ratio"],
-                        [("slot direct, beside the bare signal", number(bare, 2)),
-                         *((f"{case}, beside the loop alone", number(ratio, 2)) for case, ratio in loops)]),
+        "beside": table(["case", "ratio", "bar", ""],
+                        [(case, number(ratio, 2), number(bar, 2), "over" if ratio > bar else "")
+                         for case, ratio, bar in narrow_rows(times)]),
         "growth": table(["shape", "pass over the dependencies, exponent", "check, exponent", "check by the pass", "bar",
                          ""],
                         [(shape, number(floor, 2), number(library, 2), number(exponent, 2), number(GROWTH_BAR, 2),
@@ -247,7 +258,9 @@ def main(mode, results):
     for name in tables:
         print(tables[name], end="\n\n")
     failed = missed(times)
-    print(f"{failed} missed" if failed else "All within their bars.")
+    over = sum(1 for *_, ratio, bar in narrow_rows(times) if ratio > bar)
+    print(f"{failed} missed" if failed else "All within their bars.",
+          f"{over} are over beside floors that leave out what must be done: docs/performance.md says why.")
     if mode == "--write":
         draw(times)
         write(tables)
