@@ -5,6 +5,7 @@
 #include "private/elementFactories_p.h"
 #include "private/frameFactories_p.h"
 #include "private/logTexts_p.h"
+#include "private/nameText_p.h"
 #include "private/registry_p.h"
 #include "private/resolve_p.h"
 
@@ -111,13 +112,6 @@ QString guideNameOf(const QString &job)
     return job + QLatin1String(FrameNames::guideSuffix);
 }
 
-/// Tells whether `job` is what stands before the first `mark` in the name of a frame, or the whole name where
-/// there is none.
-bool isOfJob(const RegisterRecord &frame, const std::string &job, const char *mark)
-{
-    return frame.name.compare(0, frame.name.find(mark), job) == 0;
-}
-
 bool isWildcard(const RegisterRecord &frame)
 {
     return frame.name == FrameNames::wildcard;
@@ -181,18 +175,17 @@ void showFailure(const char *text, Operation operation)
 /// keys that it lacks, which receivers find in their copy.
 std::function<bool(const std::string &)> graphicFramesToUpdate(const QString &job, MessageData &data)
 {
-    const std::string prefix = job.toStdString() + FrameNames::separator;
+    const QString start = job + QLatin1String(FrameNames::separator);
     const QVariant step = valueOf(data, DataKey::changeStepName());
     if (step.isValid())
-        return [name = prefix + step.toString().toStdString()](const std::string &frame) {
-            return frame == name;
+        return [name = NameText(start + step.toString())](const std::string &frame) {
+            return name.equals(frame);
         };
+    const NameText prefix(start);
     // The second key is read, and so added, only where the first is there.
     if (valueOf(data, DataKey::oldJobName()).isValid() && valueOf(data, DataKey::newJobName()).isValid())
-        return [prefix](const std::string &frame) {
-            return frame != prefix && frame.find(prefix) != std::string::npos;
-        };
-    return [prefix](const std::string &frame) { return frame.find(prefix) != std::string::npos; };
+        return [prefix](const std::string &frame) { return !prefix.equals(frame) && prefix.isIn(frame); };
+    return [prefix](const std::string &frame) { return prefix.isIn(frame); };
 }
 
 QString configFile(const QString &fileName)
@@ -608,8 +601,8 @@ void QTpluginsManger4CAM::Eda_setTransmitData(const QString &dstType, const QStr
         else
             deliverToFrames(
                 frames,
-                [job = jobName.toStdString()](const RegisterRecord &frame) {
-                    return isOfJob(frame, job, FrameNames::separator);
+                [job = NameText(jobName)](const RegisterRecord &frame) {
+                    return job.isStartOf(frame.name, FrameNames::separator);
                 },
                 meta);
     });
@@ -632,8 +625,8 @@ void QTpluginsManger4CAM::setInterfaceTexts(const QString &dstType, const QStrin
         else
             deliverToFrames(
                 frames,
-                [job = text.toStdString()](const RegisterRecord &frame) {
-                    return isOfJob(frame, job, FrameNames::separator) || isWildcard(frame);
+                [job = NameText(text)](const RegisterRecord &frame) {
+                    return job.isStartOf(frame.name, FrameNames::separator) || isWildcard(frame);
                 },
                 meta);
     });
@@ -689,21 +682,19 @@ void QTpluginsManger4CAM::Ov_ChangeStepName(const QString &jobName, const QStrin
 
 void QTpluginsManger4CAM::Ov_DeleteTreeNode(const QString &nodeType, const QString &name)
 {
-    const auto isNamed = [name = name.toStdString()](const RegisterRecord &frame) {
-        return frame.name == name;
-    };
+    const NameText node(name);
+    const auto isNamed = [&](const RegisterRecord &frame) { return node.equals(frame.name); };
     if (nodeType == QLatin1String(RecordKind::matrix)) {
         const std::vector<RegisterRecord> matrixFrames = registry().collectFrames(RecordKind::matrix);
         const std::vector<RegisterRecord> graphicFrames = registry().collectFrames(RecordKind::graphic);
         const std::vector<RegisterRecord> guideFrames = registry().collectFrames(RecordKind::guide);
-        const std::string job = name.toStdString();
         deleteFrames(matrixFrames, isNamed, FrameFactories::matrix);
         deleteFrames(
             graphicFrames,
-            [&](const RegisterRecord &frame) { return isOfJob(frame, job, FrameNames::separator); },
+            [&](const RegisterRecord &frame) { return node.isStartOf(frame.name, FrameNames::separator); },
             FrameFactories::graphicEditor);
         deleteFrames(
-            guideFrames, [&](const RegisterRecord &frame) { return isOfJob(frame, job, "|"); },
+            guideFrames, [&](const RegisterRecord &frame) { return node.isStartOf(frame.name, "|"); },
             FrameFactories::camGuide);
     } else if (nodeType == QLatin1String(RecordKind::graphic)) {
         deleteFrames(registry().collectFrames(RecordKind::graphic), isNamed, FrameFactories::graphicEditor);
@@ -740,19 +731,19 @@ void QTpluginsManger4CAM::updateGraphic(const QString &name, PluginMetaData meta
 void QTpluginsManger4CAM::updateGuide(const QString &name, PluginMetaData meta)
 {
     showFailure("updateMatrix Error.", [&] {
-        const std::string frameName = guideNameOf(name).toStdString();
+        const NameText frameName(guideNameOf(name));
         deliverToFrames(
             registry().collectFrames(RecordKind::guide),
-            [&](const RegisterRecord &frame) { return frame.name == frameName; }, meta);
+            [&](const RegisterRecord &frame) { return frameName.equals(frame.name); }, meta);
     });
 }
 
 void QTpluginsManger4CAM::updateMatrix(const QString &name, PluginMetaData meta)
 {
     showFailure("updateMatrix Error.", [&] {
-        const std::string frameName = name.toStdString();
+        const NameText frameName(name);
         for (const RegisterRecord &frame : registry().collectFrames(RecordKind::matrix)) {
-            if (frame.name == frameName)
+            if (frameName.equals(frame.name))
                 deliverToElementsContaining(frame.object, meta);
         }
     });
@@ -910,12 +901,12 @@ void QTpluginsManger4CAM::deliverIntoFrame(const RegisterRecord &frame, const Pl
 
 void QTpluginsManger4CAM::deliverToElementsNamed(void *parent, const PluginMetaData &message)
 {
-    for (void *const element : registry().collectElementsNamed(parent, message.dst.toStdString()))
+    for (void *const element : registry().collectElementsNamed(parent, NameText(message.dst)))
         deliverTo(message.dst, element, message);
 }
 
 void QTpluginsManger4CAM::deliverToElementsContaining(void *parent, const PluginMetaData &message)
 {
-    for (void *const element : registry().collectElementsContaining(parent, message.dst.toStdString()))
+    for (void *const element : registry().collectElementsContaining(parent, NameText(message.dst)))
         deliverTo(message.dst, element, message);
 }

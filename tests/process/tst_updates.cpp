@@ -62,6 +62,7 @@ private slots:
     void missingEntryPointIsSilent();
     void entryPointIsResolvedAtEachDelivery();
     void otherKindsOfFramesAreLeftAlone();
+    void namesInAnotherEncodingAreComparedAsTexts();
 };
 
 namespace {
@@ -606,6 +607,36 @@ void tst_Updates::otherKindsOfFramesAreLeftAlone()
     manager()->updateMatrix("B | pcb", message(view));
     manager()->updateGuide("A | pcb", message(view));
     QCOMPARE(deliveries(), Deliveries());
+}
+
+// A job called by its name in GBK, by a host whose texts have what that converts to.
+void tst_Updates::namesInAnotherEncodingAreComparedAsTexts()
+{
+    const std::string job = "\xb0\xe5";
+    const QString text = QString::fromStdString(job);
+    QWidget *const matrix = manager()->Ov_RegisterMatrixFramework(nullptr, job);
+    QWidget *const graphic = manager()->Ov_RegisterGraphicFramework(nullptr, job + " | pcb", false);
+    QWidget *const guideOfJob = manager()->Ov_RegisterGuideFramework(nullptr, job + "|Guide");
+    factoryCalls();
+    deliveries();
+    QWidget *const table = element(view, matrix);
+    QWidget *const shown = element(view, graphic);
+
+    const auto sent = message(view);
+    manager()->updateMatrix(text, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(table, sent)}));
+    manager()->updateGraphic(text, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(shown, withMissing(sent, jobKeys))}));
+    manager()->updateGuide(text, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(guideOfJob, sent)}));
+    manager()->setInterfaceTexts("Graphic", text, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(graphic, sent)}));
+    manager()->Eda_setTransmitData("Graphic", text, sent);
+    QCOMPARE(deliveries(), (Deliveries{to(graphic, sent)}));
+    manager()->Ov_DeleteTreeNode("Matrix", text);
+    QCOMPARE(deliveries(), (Deliveries{to(matrix, note({}, matrixEditor, 20002402)),
+                                       to(graphic, note({}, graphicEditor, 20002402)),
+                                       to(guideOfJob, note({}, guide, 20002402))}));
 }
 
 int main(int argc, char **argv)

@@ -112,18 +112,17 @@ std::vector<RegisterRecord> Registry::collectChildren(const void *parent) const
     return allOf(m_records, [&](const RegisterRecord &record) { return record.parent == parent; });
 }
 
-Registry::Objects Registry::collectElementsNamed(const void *parent, const std::string &name) const
+Registry::Objects Registry::collectElementsNamed(const void *parent, const NameText &name) const
 {
     return objectsOf(m_records, [&](const RegisterRecord &record) {
-        return record.parent == parent && record.type == RecordKind::plugin && record.name == name;
+        return record.parent == parent && record.type == RecordKind::plugin && name.equals(record.name);
     });
 }
 
-Registry::Objects Registry::collectElementsContaining(const void *parent, const std::string &text) const
+Registry::Objects Registry::collectElementsContaining(const void *parent, const NameText &text) const
 {
     return objectsOf(m_records, [&](const RegisterRecord &record) {
-        return record.parent == parent && record.type == RecordKind::plugin
-               && record.name.find(text) != std::string::npos;
+        return record.parent == parent && record.type == RecordKind::plugin && text.isIn(record.name);
     });
 }
 

@@ -2,6 +2,8 @@
 
 #include "registerRecord.h"
 
+#include "nameText_p.h"
+
 #include <QtCore/QVarLengthArray>
 
 #include <string>
@@ -22,9 +24,9 @@ inline constexpr char engineerRoot[] = "EngineerRoot";
  * The rules by which the CAM manager finds, collects, erases and renames the records of its registry.
  *
  * Works on a list that it is given and does not own. Scans go from the front and the first match wins;
- * texts are compared byte for byte. Look-ups return a record of the list, or the empty record when nothing
- * matches; the reference holds until the list changes, so who needs it longer copies it. Collections are
- * copies in list order, and do not change when the list does.
+ * names are compared byte for byte, and as texts where a text is given. Look-ups return a record of the list,
+ * or the empty record when nothing matches; the reference holds until the list changes, so who needs it
+ * longer copies it. Collections are copies in list order, and do not change when the list does.
  */
 class Registry
 {
@@ -43,8 +45,8 @@ public:
     std::vector<RegisterRecord> collectFrames(const std::string &kind) const;
     std::vector<RegisterRecord> collectChildren(const void *parent) const;
     /// The objects of the children that are elements and whose name equals, or contains, a text.
-    Objects collectElementsNamed(const void *parent, const std::string &name) const;
-    Objects collectElementsContaining(const void *parent, const std::string &text) const;
+    Objects collectElementsNamed(const void *parent, const NameText &name) const;
+    Objects collectElementsContaining(const void *parent, const NameText &text) const;
 
     void appendRecord(const RegisterRecord &record);
 
