@@ -40,6 +40,7 @@ private slots:
     void graphicKindAddsTheMissingStep();
     void graphicKindAddsTheMissingJob();
     void graphicKindAddsBothMissingParameters();
+    void dataThatLacksNothingStaysShared();
     void rootKindReachesTheElementsUnderTheRoot();
     void rootKindAddsNothing();
     void rootKindWithoutRootReachesWhatHasNoParent();
@@ -414,6 +415,17 @@ void tst_Routing::graphicKindAddsTheMissingJob()
     const auto sent = message(view, {{"DstType", "Graphic"}, {"Step", "pcb"}});
     manager()->pluginTransmitData(sent);
     QCOMPARE(deliveries(), (Deliveries{to(receiver, withMissing(sent, {"JobName"}))}));
+}
+
+void tst_Routing::dataThatLacksNothingStaysShared()
+{
+    insertRoot();
+    element(view, graphicFrame("j1 | pcb"));
+    const auto sent = message(view, {{"DstType", "Graphic"}, {"JobName", "j1"}, {"Step", "pcb"}});
+    manager()->pluginTransmitData(sent);
+    const Deliveries delivered = deliveries();
+    QCOMPARE(delivered.list.size(), 1);
+    QCOMPARE(&delivered.list.constFirst().message.data.constBegin().value(), &sent.data.constBegin().value());
 }
 
 void tst_Routing::graphicKindAddsBothMissingParameters()

@@ -81,10 +81,16 @@ private slots:
     void nameIsFoundByItsValueNotByItsKey();
     void nameThatIsNoTextIsFoundByVariantEquality_data();
     void nameThatIsNoTextIsFoundByVariantEquality();
+    void textFindsTheNameThatItEqualsAsAVariant();
+    void nameOfAnyTypeIsFoundAsAPlainRecursionFindsIt();
     void firstOfSeveralKeysOfANameIsUsed();
     void selfDependencyIsCircular();
     void mutualDependencyIsCircular();
     void cycleBehindThePluginIsFoundToo();
+    void cycleIsWalkedOnceAndReportedForEachDependent();
+    void whatLeadsIntoACycleIsWalkedOnce();
+    void cycleOfSixteenIsShownWhole();
+    void cycleOfSeventeenIsShownByItsEnds();
     void longCycleIsShownByItsEnds();
     void latticeOverACycleEnds();
     void completeGraphEnds();
@@ -303,6 +309,32 @@ void tst_DependencyCheck::nameThatIsNoTextIsFoundByVariantEquality()
                                    QString(R"(Corrupted dependency: "%1" for plugin "%1")").arg(text)}));
 }
 
+void tst_DependencyCheck::textFindsTheNameThatItEqualsAsAVariant()
+{
+    describe(m_tables, "Half");
+    m_tables.m_names["Half"] = 0.5;
+    describe(m_tables, "Plugin", {needs("0.50")});
+    QVERIFY(QVariant(0.5) == QVariant("0.50"));
+
+    QVERIFY(check("Plugin"));
+    QCOMPARE(lines(), QStringList());
+}
+
+void tst_DependencyCheck::nameOfAnyTypeIsFoundAsAPlainRecursionFindsIt()
+{
+    for (const char *const text : {"", "2", "2.0", "0.5", "true", "1"})
+        describe(m_tables, text, {needs("Absent")});
+    const QVariantList names{QVariant(), QVariantList{1},  QVariantMap{}, 2, 2.0, QVariant(0.5), true, 'A',
+                             "2",        QByteArray("0.5")};
+    for (const QVariant &name : names) {
+        describe(m_tables, "Plugin", {needs(name)});
+        QStringList expected;
+        const bool sound = plainRecursion(m_tables, "Plugin", expected);
+        QCOMPARE(check("Plugin"), sound);
+        QCOMPARE(lines(), expected);
+    }
+}
+
 void tst_DependencyCheck::firstOfSeveralKeysOfANameIsUsed()
 {
     describe(m_tables, "A", {needs("Name")});
@@ -349,6 +381,67 @@ void tst_DependencyCheck::cycleBehindThePluginIsFoundToo()
                                    R"(Corrupted dependency: "C" for plugin "C")",
                                    R"(Corrupted dependency: "B" for plugin "B")"}));
     QVERIFY(check("D"));
+}
+
+void tst_DependencyCheck::cycleIsWalkedOnceAndReportedForEachDependent()
+{
+    describe(m_tables, "Loop", {needs("Loop")});
+    describe(m_tables, "Left", {needs("Loop")});
+    describe(m_tables, "Right", {needs("Loop")});
+    describe(m_tables, "Top", {needs("Left"), needs("Right")});
+
+    QVERIFY(!check("Top"));
+    QCOMPARE(lines(),
+             (QStringList{R"(Circular dependency: "Loop" for plugin "Loop" by way of "Loop -> Loop")",
+                          R"(Corrupted dependency: "Loop" for plugin "Loop")",
+                          R"(Corrupted dependency: "Left" for plugin "Left")",
+                          R"(Corrupted dependency: "Loop" for plugin "Loop")",
+                          R"(Corrupted dependency: "Right" for plugin "Right")"}));
+}
+
+void tst_DependencyCheck::whatLeadsIntoACycleIsWalkedOnce()
+{
+    describe(m_tables, "Loop", {needs("Loop")});
+    describe(m_tables, "Middle", {needs("Loop")});
+    describe(m_tables, "Left", {needs("Middle")});
+    describe(m_tables, "Right", {needs("Middle")});
+    describe(m_tables, "Top", {needs("Left"), needs("Right")});
+
+    QVERIFY(!check("Top"));
+    QCOMPARE(lines(),
+             (QStringList{R"(Circular dependency: "Loop" for plugin "Loop" by way of "Loop -> Loop")",
+                          R"(Corrupted dependency: "Loop" for plugin "Loop")",
+                          R"(Corrupted dependency: "Middle" for plugin "Middle")",
+                          R"(Corrupted dependency: "Left" for plugin "Left")",
+                          R"(Corrupted dependency: "Middle" for plugin "Middle")",
+                          R"(Corrupted dependency: "Right" for plugin "Right")"}));
+}
+
+void tst_DependencyCheck::cycleOfSixteenIsShownWhole()
+{
+    constexpr int count = 16;
+    for (int number = 0; number < count; ++number)
+        describe(m_tables, plugin(number), {needs(plugin((number + 1) % count))});
+
+    QVERIFY(!check(plugin(0)));
+    QCOMPARE(
+        lines().first(),
+        QStringLiteral(R"(Circular dependency: "P0" for plugin "P0" by way of "P0 -> P1 -> P2 -> P3 -> P4)"
+                       R"( -> P5 -> P6 -> P7 -> P8 -> P9 -> P10 -> P11 -> P12 -> P13 -> P14 -> P15 -> P0")"));
+}
+
+void tst_DependencyCheck::cycleOfSeventeenIsShownByItsEnds()
+{
+    constexpr int count = 17;
+    for (int number = 0; number < count; ++number)
+        describe(m_tables, plugin(number), {needs(plugin((number + 1) % count))});
+
+    QVERIFY(!check(plugin(0)));
+    QCOMPARE(
+        lines().first(),
+        QStringLiteral(R"(Circular dependency: "P0" for plugin "P0" by way of "P0 -> P1 -> P2 -> P3 -> P4)"
+                       R"( -> P5 -> P6 -> P7 -> ... -> P9 -> P10 -> P11 -> P12 -> P13 -> P14 -> P15 -> P16)"
+                       R"( -> P0")"));
 }
 
 void tst_DependencyCheck::longCycleIsShownByItsEnds()

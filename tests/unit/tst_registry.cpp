@@ -350,9 +350,10 @@ void tst_Registry::renameOfAnotherKindChangesNothing()
 {
     QFETCH(QByteArray, kind);
     m_records = {make("Plugin", "A", at(0), nullptr), make("EngineerRoot", "A", at(1), nullptr),
-                 make("Matrix", "A", at(2), nullptr), make("Graphic", "A | pcb", at(3), nullptr)};
+                 make("Matrix", "A", at(2), nullptr), make("Graphic", "A | pcb", at(3), nullptr),
+                 make("Plugin", "A|Guide", at(4), nullptr)};
     m_registry.renameFrames(kind.toStdString(), "A", "B");
-    QCOMPARE(names(), (QStringList{"A", "A", "A", "A | pcb"}));
+    QCOMPARE(names(), (QStringList{"A", "A", "A", "A | pcb", "A|Guide"}));
 }
 
 int main(int argc, char **argv)
