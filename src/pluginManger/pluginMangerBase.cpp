@@ -1,6 +1,7 @@
 #include "pluginMangerBase.h"
 
 #include "PluginInterface.h"
+#include "private/libraryFile_p.h"
 #include "private/logTexts_p.h"
 
 #include <QtCore/QDebug>
@@ -376,10 +377,11 @@ void QTpluginsMangerBase::loadLibraryPlugin(QTPluginsMangerPrivate &tables, cons
 
     auto *const library = new QLibrary(ownPath);
     resolveAllAtLoad(*library);
-    if (library->load())
+    const QString fault = PluginMangerInternal::loadFault(library->fileName());
+    if (fault.isEmpty() && library->load())
         tables.m_libraries.insert(ownPath, library);
     else
-        reportFailedLoad(ownPath, library->errorString());
+        reportFailedLoad(ownPath, fault.isEmpty() ? library->errorString() : fault);
 }
 
 void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QString &path)
@@ -391,8 +393,11 @@ void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QSt
 
     auto *const loader = new QPluginLoader(ownPath);
     resolveAllAtLoad(*loader);
-    if (!loader->load()) {
-        reportFailedLoad(ownPath, loader->errorString());
+    // Without meta data Qt does not have the file mapped, and says why.
+    const QString fault =
+        loader->metaData().isEmpty() ? QString() : PluginMangerInternal::loadFault(loader->fileName());
+    if (!fault.isEmpty() || !loader->load()) {
+        reportFailedLoad(ownPath, fault.isEmpty() ? loader->errorString() : fault);
         return;
     }
     if (!dynamic_cast<PluginInterface *>(loader->instance())) {

@@ -65,6 +65,9 @@ protected:
 
     static QTpluginsManger4CAM *manager();
 
+    /// What PLUGINMANGER_PATH says.
+    QString directory() const { return m_directory.path(); }
+
     /// Loads libraries, named without ".dll", beside those that are loaded already. All of the above by
     /// default.
     void load(const QStringList &names = {"ORVIK-GraphicEditor", "ORVIK-Matrix", "Graphic_CamGuide",

@@ -1,0 +1,220 @@
+// Configuration files that nobody should write.
+
+#include "faults.h"
+
+#include "gbktexts.h"
+#include "openbase.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtTest/QtTest>
+
+#include <algorithm>
+
+namespace {
+
+const QByteArray good = R"({"pluginList":[{"name":"Graphic_Tips","version":"1.0"}]})";
+
+QString camList(Faults &f)
+{
+    return f.directory() + "/pluginconfig/pluginconfig4CAM.json";
+}
+
+LogLines::Line baseError(const QByteArray &text)
+{
+    return {'E', "pluginMangerBase", text};
+}
+
+/// Loads the list, expects these lines before the last, and no box; then whether the one plug-in is there.
+void expectList(Faults &f, const Faults::Lines &lines, bool loaded)
+{
+    f.manager()->loadAllPlugins();
+    QCOMPARE(f.log(), lines + Faults::Lines{Faults::camLoaded()});
+    QCOMPARE(f.manager()->plugin(f.tips) != nullptr, loaded);
+    QVERIFY(f.manager()->isCAMLoaded());
+}
+
+void noJson(Faults &f, const QByteArray &content)
+{
+    f.writeCamList(content);
+    expectList(f, {baseError(Gbk::configNotParsed + camList(f).toUtf8())}, false);
+}
+
+void nothingToAdd(Faults &f, const QByteArray &content)
+{
+    f.writeCamList(content);
+    expectList(f, {}, false);
+}
+
+void asUsual(Faults &f, const QByteArray &content)
+{
+    f.writeCamList(content);
+    expectList(f, {}, true);
+}
+
+void missing(Faults &f)
+{
+    expectList(f, {baseError(Gbk::configMissing + camList(f).toUtf8())}, false);
+    QVERIFY(QDir().mkpath(camList(f)));
+    expectList(f, {baseError(Gbk::configNotOpened + camList(f).toUtf8())}, false);
+    QVERIFY(QDir().rmdir(camList(f)));
+}
+
+QByteArray utf16(const QByteArray &text)
+{
+    QByteArray bytes = "\xff\xfe";
+    for (const char character : text) {
+        bytes += character;
+        bytes += '\0';
+    }
+    return bytes;
+}
+
+QByteArray nested(int depth)
+{
+    const QByteArray open = R"({"pluginList":[{"name":"Graphic_Tips","version":)";
+    // The document, the list and the entry are levels, too.
+    return open + QByteArray(depth - 3, '[') + QByteArray(depth - 3, ']') + "}]}";
+}
+
+void hundredMegabytes(Faults &f)
+{
+    asUsual(f, R"({"comment":")" + QByteArray(100 * 1000 * 1000, 'x') + "\"," + good.mid(1));
+}
+
+/// A name that leads nowhere: its line and its box, whatever it is.
+void expectFailuresBeside(Faults &f, const QByteArray &content, int failures)
+{
+    f.writeCamList(content);
+    f.manager()->loadAllPlugins();
+    const Faults::Lines lines = f.log();
+    QCOMPARE(lines.size(), failures + 1);
+    QCOMPARE(lines.last(), Faults::camLoaded());
+    QVERIFY(std::all_of(lines.cbegin(), lines.cend() - 1, [](const LogLines::Line &line) {
+        return line.severity == 'E' && line.text.startsWith(Gbk::loadFailed);
+    }));
+    QCOMPARE(f.boxes().size(), failures);
+    QVERIFY(f.manager()->plugin(f.tips));
+}
+
+void nulInAName(Faults &f)
+{
+    f.writeCamList(R"({"pluginList":[{"name":"Graphic_Tips.dll\u0000rest"}]})");
+    f.manager()->loadAllPlugins();
+    const QString name = "Graphic_Tips.dll" + QString(QChar::Null) + "rest.dll";
+#ifdef Q_OS_WIN
+    QCOMPARE(f.boxes().size(), f.manager()->plugin(name) ? 0 : 1);
+    f.log();
+#else
+    // The system's names end at the NUL, the tables' do not.
+    QVERIFY(f.manager()->plugin(name));
+    QCOMPARE(f.log(), Faults::Lines{Faults::camLoaded()});
+#endif
+    QVERIFY(!f.manager()->plugin(f.tips));
+}
+
+void wrongTypes(Faults &f)
+{
+    expectFailuresBeside(
+        f,
+        R"({"pluginList":[7,"text",null,[],{"name":5},{"name":"Graphic_Tips","version":{},"dependencies":"no"}]})",
+        1);
+}
+
+QTPluginsMangerPrivate tablesOf(Faults &f, const QByteArray &content)
+{
+    QTPluginsMangerPrivate tables;
+    OpenBase().readPluginConfig(tables, f.make("list.json", content));
+    return tables;
+}
+
+void beyondDoubles(Faults &f)
+{
+    const QTPluginsMangerPrivate tables = tablesOf(f, R"({"pluginList":[
+        {"name":"A","version":9007199254740992},
+        {"name":"B","dependencies":[{"name":"A","version":9007199254740993}]},
+        {"name":"C","dependencies":[{"name":"A","version":9008199254740993}]}]})");
+    QVERIFY(tables.check("B"));
+    QVERIFY(!tables.check("C"));
+    QCOMPARE(f.debug().take().size(), 1);
+    asUsual(f, R"({"pluginList":[{"name":"Graphic_Tips","version":1e308}]})");
+}
+
+void duplicateNames(Faults &f)
+{
+    const QByteArray content = R"({"pluginList":[{"name":"Graphic_Tips","version":"1.0"},
+        {"name":"Graphic_Tips","version":"2.0"}]})";
+    QCOMPARE(tablesOf(f, content).m_versions.value("Graphic_Tips").toString(), QString("2.0"));
+    asUsual(f, content);
+}
+
+// Plain libraries: from the current directory. Qt plug-ins: from each of Qt's library paths.
+void namesThatLeaveTheirDirectory(Faults &f)
+{
+    QVERIFY(QDir().mkpath("app/plugins") && QDir().mkpath("app/run"));
+    f.make("app/Outside.dll", Faults::healthyLibrary());
+    f.make("app/OutsideToo.dll", Faults::healthyPlugin());
+    f.writeDesktopList(TestFiles::configOf({"../OutsideToo"}));
+    f.desktop()->loadAllPlugins();
+    QCOMPARE(f.boxes().size(), 1);
+    f.log();
+
+    QCoreApplication::addLibraryPath(f.path("app/plugins"));
+    f.desktop()->loadAllPlugins();
+    QCOMPARE(f.log(), Faults::Lines{Faults::desktopLoaded()});
+    f.desktop()->recMegfromPlugin(f.message("../OutsideToo"));
+    QCOMPARE(f.deliveries().list.size(), 1);
+
+    f.writeCamList(TestFiles::configOf({"../Outside"}));
+    QVERIFY(QDir::setCurrent(f.path("app/run")));
+    f.manager()->loadAllPlugins();
+    QVERIFY(f.manager()->plugin("../Outside.dll"));
+    QCOMPARE(f.log(), Faults::Lines{Faults::camLoaded()});
+}
+
+void lineBreakInAName(Faults &f)
+{
+    f.writeCamList(R"({"pluginList":[{"name":"Absent\nE20260101 forged"}]})");
+    f.manager()->loadAllPlugins();
+    QCOMPARE(f.boxes().size(), 1);
+    QVERIFY(f.log().first().text.endsWith("Absent"));
+}
+
+}
+
+Rows configurationRows()
+{
+    const QByteArray notParsed = "line; adds nothing";
+    const QByteArray nothing = "adds nothing, no line";
+    const QByteArray usual = "loads as usual";
+    const auto row = [](const QByteArray &name, const QByteArray &happens,
+                        void (*expect)(Faults &, const QByteArray &), const QByteArray &content) {
+        return Row{"configuration: " + name, happens, [=](Faults &f) { expect(f, content); }};
+    };
+    return {
+        {"configuration: missing, or a directory", "line; adds nothing", missing},
+        row("empty", notParsed, noJson, ""),
+        row("a scalar", notParsed, noJson, "7"),
+        row("an array", nothing, nothingToAdd, R"([{"name":"Graphic_Tips"}])"),
+        row("a list that is no list", nothing, nothingToAdd, R"({"pluginList":{"name":"Graphic_Tips"}})"),
+        row("byte order mark", usual, asUsual, "\xef\xbb\xbf" + good),
+        row("UTF-16", notParsed, noJson, utf16(good)),
+        row("invalid UTF-8", notParsed, noJson,
+            R"({"pluginList":[{"name":"Graphic_)"
+            "\xff"
+            R"(Tips"}]})"),
+        {"configuration: NUL in a name", "the system's loader reads the name up to it", nulInAName},
+        {"configuration: line break in a name", "breaks the line in the log, too", lineBreakInAName},
+        row("duplicate keys", "the last counts", asUsual,
+            R"({"pluginList":[{"name":"Absent"}],"pluginList":[{"name":"Absent","name":"Graphic_Tips"}]})"),
+        row("nesting 1,024", usual, asUsual, nested(1024)),
+        row("nesting 1,025", notParsed, noJson, nested(1025)),
+        row("nesting 1,000,000", notParsed, noJson, nested(1000000)),
+        {"configuration: 100 MB", usual, hundredMegabytes},
+        row("trailing comma", notParsed, noJson, R"({"pluginList":[{"name":"Graphic_Tips"},]})"),
+        {"configuration: wrong types", "an entry without a name fails to load, the others load", wrongTypes},
+        {"configuration: numbers beyond 2^53", "are compared as doubles, in twelve digits", beyondDoubles},
+        {"configuration: duplicate names", "the later one counts", duplicateNames},
+        {"configuration: \"../\" names", "leave the plug-in directory", namesThatLeaveTheirDirectory},
+    };
+}

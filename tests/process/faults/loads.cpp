@@ -1,0 +1,272 @@
+// Libraries that do not load, or do harm when they do.
+
+#include "faults.h"
+#include "openbase.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QLibrary>
+#include <QtCore/QRandomGenerator>
+#include <QtTest/QtTest>
+
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace {
+
+#ifdef Q_OS_WIN
+constexpr char noSuchFile[] = "";
+#else
+constexpr char noSuchFile[] = "No such file or directory";
+#endif
+
+/// A file that is a library neither for the system nor for Qt.
+void noLibrary(Faults &f, const QByteArray &content, const char *reason)
+{
+    const QString path = f.make("NoLibrary.dll", content);
+    f.expectRefused(path, Faults::reasonOf(path, reason));
+    const QString plugin = f.make("NoPlugin.dll", content);
+    f.expectRefusedPlugin(plugin, Faults::reasonOfQt(plugin));
+}
+
+QByteArray randomBytes()
+{
+    QRandomGenerator random(20);
+    QByteArray bytes(65536, '\0');
+    for (char &byte : bytes)
+        byte = char(random.bounded(256));
+    return bytes;
+}
+
+void executable(Faults &f)
+{
+    const QString path = f.make("Program.dll", TestFiles::read(QCoreApplication::applicationFilePath()));
+    f.expectRefused(path, Faults::reasonOf(path, "cannot dynamically load position-independent executable"));
+    const QString plugin = f.make("NoPlugin.dll", TestFiles::read(path));
+    f.expectRefusedPlugin(plugin, Faults::reasonOfQt(plugin));
+}
+
+void directoryInPlaceOfALibrary(Faults &f)
+{
+    const QString path = f.path("Directory.dll");
+    QVERIFY(QDir().mkdir(path));
+    f.expectRefused(path, Faults::reasonOf(path, "cannot read file data: Is a directory"));
+    f.expectRefusedPlugin(path, Faults::reasonOfQt(path));
+}
+
+void absent(Faults &f)
+{
+    const QString path = f.path("Absent.dll");
+    f.expectRefused(path, Faults::reasonOfQLibrary(path, noSuchFile));
+    f.expectRefusedPlugin(path, Faults::reasonOfQt(path));
+}
+
+void expectRefusedFor(Faults &f, const char *fixture, const char *symbol)
+{
+    const QString path = Faults::fixture(fixture);
+    f.expectRefused(path, QStringLiteral("Cannot load library %1: (%1: undefined symbol: %2)")
+                              .arg(path, QLatin1String(symbol)));
+}
+
+void neededLibraryMissing(Faults &f)
+{
+    const QString path = Faults::fixture("missing_needed_library/Missing_Needed_Library.dll");
+#ifdef Q_OS_WIN
+    f.expectRefused(path, Faults::reasonOf(path, ""));
+#else
+    f.expectRefused(path, QStringLiteral("Cannot load library %1: (libabsentlibrary.so: cannot open shared "
+                                         "object file: No such file or directory)")
+                              .arg(path));
+#endif
+}
+
+void noMetaData(Faults &f)
+{
+    const QString path = Faults::fixture("healthy/Any_Library.dll");
+    f.expectRefusedPlugin(path, Faults::reasonOfQt(path));
+}
+
+void foreignRootObject(Faults &f)
+{
+    f.loadQtPlugin(Faults::fixture("not_a_plugin_interface/Not_A_Plugin_Interface.dll"));
+    QCOMPARE(f.log(), Faults::Lines{Faults::desktopLoaded()});
+}
+
+void lettersAndBlanks(Faults &f)
+{
+    const QString directory = QStringLiteral("mit Leerzeichen größe 电路板 𠀀 ☃");
+    QVERIFY(QDir().mkdir(directory));
+    f.expectLoaded(f.make(directory + QStringLiteral("/插件 eins.dll"), Faults::healthyLibrary()));
+    f.expectLoadedPlugin(f.make(directory + QStringLiteral("/插件 zwei.dll"), Faults::healthyPlugin()));
+    const QString broken = f.make(directory + QStringLiteral("/缺 失.dll"), "no library");
+    f.loadPlain(broken);
+    QCOMPARE(f.boxes().size(), 1);
+    const auto lines = f.log();
+    QVERIFY(lines.contains(Faults::loadFailed(broken, Faults::reasonOf(broken, "file too short"))));
+}
+
+void replacedByRename(Faults &f)
+{
+    f.load({"ORVIK-GraphicEditor", "Graphic_Tips"});
+    QWidget *const frame = f.graphicFrame("A | pcb");
+    QWidget *const receiver = f.manager()->Ov_RegisterGraphic_Tips(frame);
+    const QString path = Faults::replaceable("Graphic_Tips.dll");
+    QVERIFY(QFile::copy(Faults::fixture("healthy/Graphic_Tips.dll"), path));
+    f.load({});
+    TestFiles::replace(path, Faults::fixture("without_factory/Graphic_Tips.dll"));
+
+    // What is loaded goes on until it is loaded again.
+    f.manager()->recMegToPlugin(frame, f.message(f.tips, {}, 10000000));
+    QCOMPARE(f.deliveries(), Deliveries{f.to(receiver, f.message(f.tips, {}, 10000000))});
+    f.load({});
+    QVERIFY(!f.manager()->plugin(f.tips)->resolve("GetGraphic_TipsInstance"));
+    f.factoryCalls();
+}
+
+void appearsAfterAFailedLoad(Faults &f)
+{
+    const QString path = f.path("Late.dll");
+    f.expectRefused(path, Faults::reasonOfQLibrary(path, noSuchFile));
+    f.make("Late.dll", Faults::healthyLibrary());
+    f.expectLoaded(path);
+
+    const QString plugin = f.path("LatePlugin.dll");
+    f.expectRefusedPlugin(plugin, Faults::reasonOfQt(plugin));
+    f.make("LatePlugin.dll", Faults::healthyPlugin());
+    f.expectLoadedPlugin(plugin);
+}
+
+void twoOwners(Faults &f)
+{
+    const QString path = f.make("Owned.dll", Faults::healthyLibrary());
+    QLibrary owner(path);
+    QVERIFY(owner.load());
+    f.expectLoaded(path);
+    f.expectLoaded(path);
+    QVERIFY(f.manager()->plugin(path)->isLoaded());
+    QVERIFY(!owner.unload());
+    QVERIFY(f.manager()->plugin(path)->resolve("recMsgFromManager"));
+}
+
+void loadActing(std::function<void()> action, Faults &f)
+{
+    Recorder::setOnFactory([action = std::move(action)](const QString &, QWidget *) {
+        Recorder::setOnFactory({});
+        action();
+    });
+    f.loadPlain(Faults::fixture("acting_constructor/Acting_Constructor.dll"));
+}
+
+void constructorLoads(Faults &f)
+{
+    const QString path = Faults::fixture("acting_constructor/Acting_Constructor.dll");
+    const QString inner = f.make("Inner.dll", Faults::healthyLibrary());
+    OpenBase base;
+    QTPluginsMangerPrivate tables;
+    loadActing([&] { base.loadLibraryPlugin(tables, inner); }, f);
+    QCOMPARE(f.log(), Faults::Lines{Faults::camLoaded()});
+    QVERIFY(f.manager()->plugin(path));
+    QVERIFY(tables.m_libraries.value(inner)->resolve("recMsgFromManager"));
+}
+
+void constructorThrows(Faults &f)
+{
+    const QString path = Faults::fixture("acting_constructor/Acting_Constructor.dll");
+    QVERIFY_EXCEPTION_THROWN(loadActing([] { throw std::runtime_error("from a constructor"); }, f),
+                             std::runtime_error);
+    QVERIFY(!f.manager()->plugin(path));
+    QVERIFY(!f.manager()->isCAMLoaded());
+}
+
+void constructorAborts(Faults &f)
+{
+    Faults::reachTheEnd();
+    loadActing([] { std::abort(); }, f);
+}
+
+void constructorExits(Faults &f)
+{
+    Faults::reachTheEnd();
+    loadActing([] { std::exit(7); }, f);
+}
+
+void constructorCrashes(Faults &f)
+{
+    Faults::reachTheEnd();
+    loadActing([] { *reinterpret_cast<volatile int *>(quintptr(16)) = 1; }, f);
+}
+
+void constructorHangs(Faults &f)
+{
+    Faults::reachTheEnd();
+    loadActing(
+        [] {
+            for (;;)
+                QThread::sleep(1);
+        },
+        f);
+}
+
+}
+
+Rows loadRows()
+{
+    const QByteArray refused = "line with the reason, box";
+    Rows rows{
+        {"zero bytes", refused, [](Faults &f) { noLibrary(f, {}, "file too short"); }},
+        {"four bytes", refused,
+         [](Faults &f) {
+             noLibrary(f,
+                       "\x7f"
+                       "ELF",
+                       "file too short");
+         }},
+        {"text", refused, [](Faults &f) { noLibrary(f, QByteArray(500, 'x'), "invalid ELF header"); }},
+        {"random bytes", refused, [](Faults &f) { noLibrary(f, randomBytes(), "invalid ELF header"); }},
+        {"executable", refused, executable},
+        {"directory", refused, directoryInPlaceOfALibrary},
+        {"absent", refused, absent},
+        {"missing needed library", "line that names it, box", neededLibraryMissing},
+        {"no Qt meta data", refused, noMetaData},
+        {"root object that is no PluginInterface", "left alone without a line", foreignRootObject},
+        {"non-ASCII letters and blanks in paths", "loads; a failure is logged as UTF-8", lettersAndBlanks},
+        {"file replaced by rename while loaded", "the old one goes on until it is loaded again",
+         replacedByRename},
+        {"file that appears after a failed load", "loads the next time", appearsAfterAFailedLoad},
+        {"two owners of one library", "stays loaded for both", twoOwners},
+        {"constructor that loads", "both load", constructorLoads},
+        {"constructor that throws", "reaches the caller of the load; what is listed after it is not loaded",
+         constructorThrows},
+        {"constructor that aborts",
+         "the process is the plug-in's, too",
+         constructorAborts,
+         {Ending::Signal, SIGABRT}},
+        {"constructor that exits", "the process is the plug-in's, too", constructorExits, {Ending::Exit, 7}},
+        {"constructor that crashes",
+         "the process is the plug-in's, too",
+         constructorCrashes,
+         {Ending::Signal, SIGSEGV}},
+        {"constructor that hangs", "the load does not return", constructorHangs, {Ending::Hang}},
+    };
+#ifdef Q_OS_WIN
+    const QByteArray leftOut = "what is missing cannot be linked here; tst_loadlibrary has an older library";
+#else
+    const QByteArray leftOut;
+#endif
+    rows.push_back({"undefined function",
+                    "line that names it, box",
+                    [](Faults &f) {
+                        expectRefusedFor(f, "undefined_symbol/Undefined_Symbol.dll",
+                                         "_Z24functionThatNoLibraryHasv");
+                    },
+                    {},
+                    leftOut});
+    rows.push_back(
+        {"undefined data",
+         "line that names it, box",
+         [](Faults &f) { expectRefusedFor(f, "undefined_data/Undefined_Data.dll", "dataThatNoLibraryHas"); },
+         {},
+         leftOut});
+    return rows;
+}

@@ -1,0 +1,20 @@
+// The rows that only Linux has.
+
+#include "faults.h"
+
+Rows systemRows()
+{
+    Rows rows;
+    for (const char *name :
+         {"truncated at every 64 bytes", "truncated, found by bare name", "truncated, relative path",
+          "truncated Qt plug-in, every 64 bytes", "truncated Qt plug-in that still describes itself",
+          "truncated while another owner has it loaded", "segment beyond 2^64",
+          "table of segments beyond 2^64", "wrong machine", "32-bit", "truncated needed library"})
+        rows.push_back({name, {}, {}, {}, "made of Linux' kind of library; here the system checks its own"});
+    for (const char *name :
+         {"dangling link", "link loop", "FIFO", "FIFO in place of a Qt plug-in", "/dev/null", "unreadable"})
+        rows.push_back({name, {}, {}, {}, "there are no such files here"});
+    rows.push_back(
+        {"truncated in place while loaded", {}, {}, {}, "the file of a loaded library is locked here"});
+    return rows;
+}
