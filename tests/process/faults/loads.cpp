@@ -87,6 +87,30 @@ void noMetaData(Faults &f)
     f.expectRefusedPlugin(path, Faults::reasonOfQt(path));
 }
 
+// Windows looks there, after the program's own directory and the system's.
+void inTheCurrentDirectory(Faults &f)
+{
+    f.make("Planted.dll", Faults::healthyLibrary());
+    f.loadPlain("Planted.dll");
+#ifdef Q_OS_WIN
+    QVERIFY(f.manager()->plugin("Planted.dll"));
+    QCOMPARE(f.log(), Faults::Lines{Faults::camLoaded()});
+#else
+    QVERIFY(!f.manager()->plugin("Planted.dll"));
+    QCOMPARE(f.boxes().size(), 1);
+    QCOMPARE(f.log().size(), 2);
+#endif
+}
+
+void outsideTheOnlyLibraryPath(Faults &f)
+{
+    f.make("Planted.dll", Faults::healthyPlugin());
+    QCoreApplication::setLibraryPaths({Faults::fixture("desktop")});
+    f.expectRefusedPlugin("Planted.dll", Faults::reasonOfQt("Planted.dll"));
+    QCoreApplication::setLibraryPaths({f.path("")});
+    f.expectLoadedPlugin("Planted.dll");
+}
+
 void foreignRootObject(Faults &f)
 {
     f.loadQtPlugin(Faults::fixture("not_a_plugin_interface/Not_A_Plugin_Interface.dll"));
@@ -228,6 +252,9 @@ Rows loadRows()
         {"directory", refused, directoryInPlaceOfALibrary},
         {"absent", refused, absent},
         {"missing needed library", "line that names it, box", neededLibraryMissing},
+        {"plain library in the current directory", "is not looked for there, but on Windows",
+         inTheCurrentDirectory},
+        {"Qt plug-in outside the host's library paths", "is not looked for there", outsideTheOnlyLibraryPath},
         {"no Qt meta data", refused, noMetaData},
         {"root object that is no PluginInterface", "left alone without a line", foreignRootObject},
         {"non-ASCII letters and blanks in paths", "loads; a failure is logged as UTF-8", lettersAndBlanks},
