@@ -128,7 +128,7 @@ QByteArray pathOf(const QByteArray &fileName)
     if (fileName.contains('/'))
         return fileName;
     for (const QByteArray &directory : searchDirectories()) {
-        const QByteArray path = directory + '/' + fileName;
+        QByteArray path = directory + '/' + fileName;
         if (access(path.constData(), R_OK) == 0)
             return path;
     }

@@ -183,8 +183,8 @@ void ownLibraryIsUnloadedDuringADelivery(Faults &f)
     QVERIFY(f.manager()->Ov_RegisterGraphic_Tips(f.insertRoot()));
     f.onNextDelivery([&] {
         TestFiles::replace(path, f.make("Empty.dll", {}));
-        f.manager()->loadAllPlugins();
         Faults::reachTheEnd();
+        f.manager()->loadAllPlugins();
     });
     f.manager()->updateEngieer({}, f.message(f.tips));
 }
