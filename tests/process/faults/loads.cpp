@@ -218,7 +218,8 @@ void constructorExits(Faults &f)
 void constructorCrashes(Faults &f)
 {
     Faults::reachTheEnd();
-    loadActing([] { *reinterpret_cast<volatile int *>(quintptr(16)) = 1; }, f);
+    volatile quintptr nowhere = 16;
+    loadActing([&] { *reinterpret_cast<volatile int *>(nowhere) = 1; }, f);
 }
 
 void constructorHangs(Faults &f)
