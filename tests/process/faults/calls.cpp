@@ -58,11 +58,6 @@ void reachesTheCaller(Faults &f, Thrown thrown)
 
 void onlyInADependency(Faults &f)
 {
-#ifdef Q_OS_WIN
-    QVERIFY(QFile::copy(Faults::fixture("lasting/liblastingeditor.dll"),
-                        Faults::replaceable("liblastingeditor.dll"))
-            || QFile::exists(Faults::replaceable("liblastingeditor.dll")));
-#endif
     QVERIFY(QFile::copy(Faults::fixture("hollow/ORVIK-GraphicEditor.dll"),
                         Faults::replaceable("ORVIK-GraphicEditor.dll")));
     f.load({"ORVIK-GraphicEditor"});
