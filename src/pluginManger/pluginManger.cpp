@@ -11,6 +11,7 @@
 #include "Toolbar_Tool.h"
 #include "ViewWidget.h"
 #include "Viewbar_Status.h"
+#include "private/desktopTools_p.h"
 #include "private/logTexts_p.h"
 
 #include <QtCore/QDebug>
@@ -23,6 +24,7 @@
 #include <iterator>
 #include <utility>
 
+namespace DesktopTools = PluginMangerInternal::DesktopTools;
 namespace LogTexts = PluginMangerInternal::LogTexts;
 
 namespace {
@@ -50,52 +52,52 @@ struct DesktopTool
 
 using Manager = QTpluginsManger;
 
-// The spelling of names and texts is what configuration files and readers of the debug stream go by.
+// The spelling of texts is what readers of the debug stream go by.
 const DesktopTool desktopTools[] = {
-    {"File_Process.dll", &Manager::m_fileProcessObject,
+    {DesktopTools::fileProcess.library, &Manager::m_fileProcessObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_fileProcess = requireInterface<FileProcess>(root, library);
          manager.m_fileProcessResult1 = manager.m_fileProcess->createToolBar(manager.m_parentWidget);
          manager.m_fileProcessResult2 = manager.m_fileProcess->createMenu();
      },
      "file pro tools added!"},
-    {"ListBar_PNList.dll", &Manager::m_pnListObject,
+    {DesktopTools::pnList.library, &Manager::m_pnListObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_pnListResult = requireInterface<PNListInterface>(root, library)->createList();
      },
      "PNlist added!"},
-    {"Toolbar_Edit.dll", &Manager::m_toolbarEditObject,
+    {DesktopTools::edit.library, &Manager::m_toolbarEditObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_toolbarEdit = requireInterface<Toolbar_Edit>(root, library);
          manager.m_editActions = manager.m_toolbarEdit->createActions();
      },
      "Toolbar_Edit added!"},
-    {"Toolbar_Move.dll", &Manager::m_toolbarMoveObject,
+    {DesktopTools::move.library, &Manager::m_toolbarMoveObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_moveActions = requireInterface<Toolbar_Move>(root, library)->createActions();
      },
      "Toolbar_Move added!"},
-    {"ToolBar_Select.dll", &Manager::m_toolbarSelectObject,
+    {DesktopTools::select.library, &Manager::m_toolbarSelectObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_selectActions = requireInterface<Toolbar_Select>(root, library)->createActions();
      },
      "ToolBar_Select added!"},
-    {"Toolbar_Tool.dll", &Manager::m_toolbarToolObject,
+    {DesktopTools::tool.library, &Manager::m_toolbarToolObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_toolActions = requireInterface<Toolbar_Tool>(root, library)->createActions();
      },
      nullptr},
-    {"Viewbar_View.dll", &Manager::m_viewObject,
+    {DesktopTools::view.library, &Manager::m_viewObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_viewResult = requireInterface<ViewWidget>(root, library)->createView();
      },
      "Viewbar_Viewd added!"},
-    {"Viewbar_Status.dll", &Manager::m_statusObject,
+    {DesktopTools::status.library, &Manager::m_statusObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_statusResult = requireInterface<Viewbar_Status>(root, library)->createStatusWidget();
      },
      "Viewbar_Status added!"},
-    {"MenuBar_Menu.dll", &Manager::m_menuBarObject,
+    {DesktopTools::menuBar.library, &Manager::m_menuBarObject,
      [](Manager &manager, QObject *root, const char *library) {
          manager.m_menuBar = requireInterface<MenuBar>(root, library);
          manager.m_menuBarResult1 = manager.m_menuBar->createFileMenu();
@@ -104,13 +106,14 @@ const DesktopTool desktopTools[] = {
          manager.m_menuBarResult3 = manager.m_menuBar->createHelpMenu();
      },
      " Menu bar added!"},
-    {"ProcessBar_Process.dll", &Manager::m_processBarObject,
+    {DesktopTools::processBar.library, &Manager::m_processBarObject,
      [](Manager &manager, QObject *, const char *) {
          // Menu bars bring the progress display along, so it is looked for in their object.
          manager.m_processBar = dynamic_cast<ProcessBar_Process *>(manager.m_menuBarObject);
      },
      " Progress bar added!"},
 };
+static_assert(std::size(desktopTools) == PluginMangerInternal::desktopToolLibraries.size());
 
 }
 

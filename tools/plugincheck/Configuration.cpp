@@ -1,0 +1,205 @@
+#include "Configuration.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+
+namespace PluginCheck {
+
+namespace {
+
+/// More than this is more than QJsonDocument takes.
+constexpr qint64 largestFile = 128 * 1024 * 1024;
+
+QVariantList toVariantList(const QJsonArray &array);
+
+/// Converts as the manager's reader does: every number is a double to it.
+QVariant toVariant(const QJsonValue &value)
+{
+    if (value.isDouble())
+        return value.toDouble();
+    if (value.isArray())
+        return toVariantList(value.toArray());
+    return value.toVariant();
+}
+
+QVariantList toVariantList(const QJsonArray &array)
+{
+    QVariantList list;
+    list.reserve(array.size());
+    for (const QJsonValue &value : array)
+        list.append(toVariant(value));
+    return list;
+}
+
+const QString nothingLoaded =
+    QStringLiteral("The manager logs one line, loads nothing of this set and reports success.");
+
+void addUnreadable(const QString &file, const QString &why, const QString &advice, Report &report)
+{
+    report.add({Code::ConfigUnreadable, file, {}, file, {}, why, nothingLoaded, advice});
+}
+
+/// What an expert sees at a glance.
+QString adviceOnSyntax(const QByteArray &text, int offset, const QJsonParseError &error)
+{
+    if (text.startsWith("\xff\xfe") || text.startsWith("\xfe\xff") || text.left(4).contains('\0'))
+        return QStringLiteral("The file looks like UTF-16. Save it as UTF-8.");
+    if (error.error == QJsonParseError::IllegalUTF8String)
+        return QStringLiteral("Save the file as UTF-8; it may be in the code page of the system.");
+    if (error.error == QJsonParseError::DeepNesting)
+        return QStringLiteral("Take the nested arrays and objects out; more than 1024 levels are not read.");
+
+    int last = std::min(offset, int(text.size()) - 1);
+    while (last >= 0 && QByteArray(" \t\r\n").contains(text.at(last)))
+        --last;
+    const auto around = [&](int from, int length) { return text.mid(std::max(0, from), length); };
+    if (last < 0)
+        return QStringLiteral("The file is empty. An empty set is written { \"pluginList\": [] }.");
+    if (around(last - 2, 5).contains("//") || around(last - 2, 5).contains("/*"))
+        return QStringLiteral("JSON has no comments. Take it out.");
+    int before = last;
+    if (text.at(before) == ']' || text.at(before) == '}')
+        --before;
+    while (before >= 0 && QByteArray(" \t\r\n").contains(text.at(before)))
+        --before;
+    if (before >= 0 && text.at(before) == ',')
+        return QStringLiteral("Take out the comma before this place, or write what should follow it.");
+    if (around(last - 1, 3).contains('\''))
+        return QStringLiteral("Texts stand in double quotes.");
+    if (last + 1 >= text.size())
+        return QStringLiteral("The file ends too early. Close what is open.");
+    return QStringLiteral("Look at this place and before it; a comma may be missing between two entries.");
+}
+
+void addSyntax(const QString &file, const QByteArray &text, const QJsonParseError &error, Report &report)
+{
+    Finding finding{Code::ConfigSyntax,
+                    file,
+                    {},
+                    file,
+                    placeOf(text, error.offset),
+                    QStringLiteral("This is no JSON: %1.").arg(error.errorString()),
+                    nothingLoaded,
+                    adviceOnSyntax(text, error.offset, error)};
+    const QPair<QString, int> source = sourceAt(text, error.offset);
+    finding.source = source.first;
+    finding.sourceColumn = source.second;
+    report.add(finding);
+}
+
+Entry entryOf(const QJsonValue &value, const EntryPlaces &places)
+{
+    const QJsonObject object = value.toObject();
+    Entry entry{object.value(QLatin1String("name")).toString(),
+                toVariant(object.value(QLatin1String("version"))),
+                {},
+                places};
+    const QJsonArray dependencies = object.value(QLatin1String("dependencies")).toArray();
+    for (int i = 0; i < dependencies.size(); ++i) {
+        const QJsonObject dependency = dependencies.at(i).toObject();
+        const auto member = [&](const char *key) {
+            const auto found = dependency.constFind(QLatin1String(key));
+            return found == dependency.constEnd() ? QVariant() : toVariant(*found);
+        };
+        entry.dependencies.append({member("name"), member("version"), places.dependencies.value(i)});
+    }
+    entry.places.dependencies.clear();
+    return entry;
+}
+
+}
+
+QString nameOf(Set set)
+{
+    switch (set) {
+    case Set::Cam:
+        return QStringLiteral("cam");
+    case Set::Dfm:
+        return QStringLiteral("dfm");
+    case Set::Desktop:
+        break;
+    }
+    return QStringLiteral("desktop");
+}
+
+std::optional<Set> setNamed(const QString &name)
+{
+    for (const Set set : {Set::Cam, Set::Dfm, Set::Desktop}) {
+        if (name == nameOf(set))
+            return set;
+    }
+    return std::nullopt;
+}
+
+std::optional<Set> setOfFile(const QString &file)
+{
+    const QString name = QFileInfo(file).completeBaseName();
+    if (name.endsWith(QLatin1String("4CAM"), Qt::CaseInsensitive))
+        return Set::Cam;
+    if (name.endsWith(QLatin1String("4DFM"), Qt::CaseInsensitive))
+        return Set::Dfm;
+    if (name.compare(QLatin1String("pluginconfig"), Qt::CaseInsensitive) == 0)
+        return Set::Desktop;
+    return std::nullopt;
+}
+
+std::optional<Configuration> readConfiguration(const QString &path, Set set, Report &report)
+{
+    QFile file(path);
+    const QString whereToLook = QStringLiteral("Look at the name and the folder.");
+    if (!file.exists()) {
+        addUnreadable(path, QStringLiteral("There is no such file."), whereToLook, report);
+        return std::nullopt;
+    }
+    // As the manager does, so that what it sees is what is looked at.
+    if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        const QString why = QFileInfo(path).isDir() ? QStringLiteral("it is a folder") : file.errorString();
+        addUnreadable(path, QStringLiteral("The file cannot be opened: %1.").arg(why), whereToLook, report);
+        return std::nullopt;
+    }
+    const QByteArray text = file.read(largestFile + 1);
+    if (text.size() > largestFile) {
+        addUnreadable(path, QStringLiteral("The file is larger than 128 MiB."),
+                      QStringLiteral("A set of that size cannot be meant. Look at what wrote the file."),
+                      report);
+        return std::nullopt;
+    }
+    return parseConfiguration(path, set, text, report);
+}
+
+std::optional<Configuration> parseConfiguration(const QString &file, Set set, const QByteArray &text,
+                                                Report &report)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        addSyntax(file, text, error, report);
+        return std::nullopt;
+    }
+
+    Configuration configuration{file, set, text, document.object(), document.isObject(), placesIn(text)};
+    const QJsonArray list = configuration.root.value(QLatin1String("pluginList")).toArray();
+    configuration.entries.reserve(list.size());
+    for (int i = 0; i < list.size(); ++i) {
+        configuration.entries.append(entryOf(list.at(i), configuration.places.entries.value(i)));
+        configuration.entryOfName.insert(configuration.entries.last().name, i);
+    }
+    return configuration;
+}
+
+QString textOf(const QVariant &value)
+{
+    if (value.userType() == QMetaType::QString)
+        return value.toString();
+    if (!value.isValid())
+        return QStringLiteral("nothing");
+    if (value.userType() == QMetaType::QVariantList)
+        return QStringLiteral("an array");
+    if (value.userType() == QMetaType::QVariantMap)
+        return QStringLiteral("an object");
+    return value.isNull() ? QStringLiteral("null") : value.toString();
+}
+
+}

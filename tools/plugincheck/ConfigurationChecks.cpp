@@ -1,0 +1,444 @@
+#include "ConfigurationChecks.h"
+
+#include "Dependencies.h"
+#include "Names.h"
+#include "SchemaCheck.h"
+
+#include <QtCore/QSet>
+
+#include <algorithm>
+
+namespace PluginCheck {
+
+namespace {
+
+/// Of a list that may be long its beginning and its end, enough to find the rest.
+QString shortened(const QStringList &names, const QString &separator)
+{
+    constexpr int mostAtEachEnd = 25;
+    if (names.size() <= 2 * mostAtEachEnd)
+        return names.join(separator);
+    const QString left = QStringLiteral("... (%1 more) ...").arg(names.size() - 2 * mostAtEachEnd);
+    return (names.mid(0, mostAtEachEnd) + QStringList{left} + names.mid(names.size() - mostAtEachEnd))
+        .join(separator);
+}
+
+/// A name as it is shown: with everything visible that would not be, and not longer than a line.
+QString shown(const QString &name)
+{
+    constexpr int most = 80;
+    QString text;
+    for (const QChar character : name.left(most)) {
+        if (character.isPrint())
+            text += character;
+        else
+            text += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+    }
+    return name.size() > most ? text + QStringLiteral("...") : text;
+}
+
+/// A value as it is written in JSON.
+QString written(const QVariant &value)
+{
+    return value.userType() == QMetaType::QString ? QStringLiteral("\"%1\"").arg(shown(value.toString()))
+                                                  : textOf(value);
+}
+
+/// The checks of one configuration file.
+class ConfigurationCheck
+{
+public:
+    ConfigurationCheck(const Configuration &configuration, const QVector<Configuration> &all, Report &report)
+        : m_configuration(configuration)
+        , m_all(all)
+        , m_report(report)
+    {
+    }
+
+    void run();
+
+private:
+    void checkList();
+    void checkDuplicateKeys();
+    void checkSchema();
+    void checkEntry(int index);
+    void checkName(const Entry &entry);
+    void checkRequest(const Entry &entry);
+    void checkVersion(const Entry &entry);
+    void checkDependency(int index, int dependency, DependencyState state);
+    void checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what);
+    void addCycles();
+    void addReport();
+    bool isMetByCamSet(const Dependency &dependency) const;
+    QString consequenceOf(const Entry &entry) const;
+    void add(Code code, const QString &plugin, Place place, const QString &message,
+             const QString &consequence, const QString &advice);
+    QString entryText(int index) const;
+
+    const Configuration &m_configuration;
+    const QVector<Configuration> &m_all;
+    Report &m_report;
+    QSet<QPair<int, int>> m_explained; // Places that a finding of its own tells more about than the schema.
+    DependencyResults m_dependencies;
+    std::optional<NearNames> m_nearRequests;
+    int m_searches = 0;
+};
+
+void ConfigurationCheck::run()
+{
+    checkList();
+    checkDuplicateKeys();
+    m_dependencies = checkDependencies(m_configuration);
+    for (int i = 0; i < m_configuration.entries.size(); ++i)
+        checkEntry(i);
+    addCycles();
+    checkSchema();
+    addReport();
+}
+
+void ConfigurationCheck::add(Code code, const QString &plugin, Place place, const QString &message,
+                             const QString &consequence, const QString &advice)
+{
+    m_explained.insert({place.line, place.column});
+    m_report.add(
+        {code, m_configuration.file, plugin, m_configuration.file, place, message, consequence, advice});
+}
+
+void ConfigurationCheck::checkList()
+{
+    const QString consequence =
+        QStringLiteral("The manager loads nothing of this set, logs nothing about it and reports success.");
+    const QString advice = QStringLiteral("Write { \"pluginList\": [ ... ] } around the entries.");
+    if (!m_configuration.isObject) {
+        add(Code::ConfigList, {}, m_configuration.places.root,
+            QStringLiteral("The root of the file is no object, so that it has no \"pluginList\"."),
+            consequence, advice);
+        return;
+    }
+    const auto list = m_configuration.root.constFind(QLatin1String("pluginList"));
+    if (list == m_configuration.root.constEnd()) {
+        QStringList meant;
+        for (const QString &key : m_configuration.root.keys()) {
+            if (!NearNames({key}).of(QStringLiteral("pluginList")).isEmpty())
+                meant.append(key);
+        }
+        add(Code::ConfigList, {}, m_configuration.places.root,
+            QStringLiteral("The file has no \"pluginList\"."), consequence,
+            meant.isEmpty() ? advice
+                            : QStringLiteral("It has \"%1\"; the key is spelled \"pluginList\".")
+                                  .arg(shown(meant.first())));
+        return;
+    }
+    if (!list->isArray()) {
+        add(Code::ConfigList, {}, m_configuration.places.list, QStringLiteral("\"pluginList\" is no array."),
+            consequence, advice);
+    } else if (m_configuration.entries.isEmpty()) {
+        add(Code::ConfigList, {}, m_configuration.places.list,
+            QStringLiteral("\"pluginList\" lists no plug-in."), consequence,
+            QStringLiteral("List the set's plug-ins, or leave this file out of what you ship."));
+    }
+}
+
+void ConfigurationCheck::checkDuplicateKeys()
+{
+    for (const DuplicateKey &duplicate : m_configuration.places.duplicateKeys) {
+        const QString plugin = duplicate.entry >= 0 && duplicate.entry < m_configuration.entries.size()
+                                   ? m_configuration.entries.at(duplicate.entry).name
+                                   : QString();
+        add(Code::DuplicateKey, plugin, duplicate.second,
+            QStringLiteral("The key \"%1\" stands in one object twice, first in line %2.")
+                .arg(shown(duplicate.key))
+                .arg(duplicate.first.line),
+            QStringLiteral("The later one counts. What stands under the one in line %1 is lost.")
+                .arg(duplicate.first.line),
+            QStringLiteral("Take one of them out."));
+    }
+}
+
+QString ConfigurationCheck::entryText(int index) const
+{
+    return QStringLiteral("Entry %1 of the list").arg(index + 1);
+}
+
+void ConfigurationCheck::checkEntry(int index)
+{
+    const Entry &entry = m_configuration.entries.at(index);
+    if (!m_configuration.counts(index)) {
+        const Entry &winner = m_configuration.entries.at(m_configuration.entryOfName.value(entry.name));
+        if (entry.name.isEmpty())
+            return;
+        add(Code::DuplicateName, entry.name, entry.places.name,
+            QStringLiteral("\"%1\" is listed again in line %2.")
+                .arg(shown(entry.name))
+                .arg(winner.places.name.line),
+            QStringLiteral(
+                "The entry in line %1 counts, with version %2. This one, with version %3, does not.")
+                .arg(winner.places.name.line)
+                .arg(written(winner.version), written(entry.version)),
+            QStringLiteral("Take one of them out."));
+        return;
+    }
+    if (entry.name.isEmpty()) {
+        add(Code::NameEmpty, {}, entry.places.name,
+            QStringLiteral("%1 has no name, an empty one, or one that is no text.").arg(entryText(index)),
+            QStringLiteral("The manager tries to load a library \".dll\", fails, and shows a message box."),
+            QStringLiteral("Give the entry its name, or take it out."));
+    } else {
+        checkName(entry);
+    }
+    checkVersion(entry);
+    for (int i = 0; i < entry.dependencies.size(); ++i)
+        checkDependency(index, i, m_dependencies.states.at(index).at(i));
+}
+
+void ConfigurationCheck::checkName(const Entry &entry)
+{
+    const QString &name = entry.name;
+    const Place place = entry.places.name;
+    const auto isControl = [](QChar character) { return !character.isPrint() && !character.isSurrogate(); };
+    if (std::any_of(name.begin(), name.end(), isControl)) {
+        add(Code::NameControl, name, place,
+            QStringLiteral("The name \"%1\" has a character that is not to be seen.").arg(shown(name)),
+            QStringLiteral("The library is not found; a NUL ends the name for the loader."),
+            QStringLiteral("Type the name anew."));
+    } else if (name != name.trimmed()) {
+        add(Code::NameControl, name, place,
+            QStringLiteral("The name \"%1\" has a blank at an end.").arg(shown(name)),
+            QStringLiteral("The library \"%1.dll\" is not found.").arg(shown(name)),
+            QStringLiteral("Take the blank out."));
+    } else if (name.contains('/') || name.contains('\\')) {
+        add(Code::NamePath, name, place,
+            QStringLiteral("The name \"%1\" has a folder in it.").arg(shown(name)),
+            QStringLiteral(
+                "If the library is there, it is loaded under this name, and no operation finds it: "
+                "they ask for the bare file name."),
+            QStringLiteral("Write the file name alone, and name the folder to the loader."));
+    } else if (name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive)) {
+        add(Code::NameSuffix, name, place, QStringLiteral("The name \"%1\" has the suffix.").arg(shown(name)),
+            QStringLiteral("The manager appends \".dll\" and looks for \"%1.dll\".").arg(shown(name)),
+            QStringLiteral("Write \"%1\".").arg(shown(name.chopped(int(qstrlen(".dll"))))));
+    } else {
+        checkRequest(entry);
+    }
+}
+
+void ConfigurationCheck::checkRequest(const Entry &entry)
+{
+    const Set set = m_configuration.set;
+    if (requestNamed(entry.name, set))
+        return;
+    const Set other = set == Set::Desktop ? Set::Cam : Set::Desktop;
+    if (requestNamed(entry.name, other)) {
+        add(Code::NameNearMiss, entry.name, entry.places.name,
+            other == Set::Desktop ? QStringLiteral("\"%1\" is a tool of the desktop manager.").arg(entry.name)
+                                  : QStringLiteral("\"%1\" is a plug-in of the CAM manager.").arg(entry.name),
+            QStringLiteral("This file is read by the %1 manager, which has no operation that asks for it.")
+                .arg(set == Set::Desktop ? QStringLiteral("desktop") : QStringLiteral("CAM")),
+            QStringLiteral("List it in the file of its own manager."));
+        return;
+    }
+    if (!m_nearRequests) {
+        QStringList names;
+        for (const Request &request : requestsOf(set))
+            names.append(request.name);
+        m_nearRequests.emplace(names);
+    }
+    const QString meant = m_nearRequests->of(entry.name).value(0);
+    const bool differsByCapitals = meant.compare(entry.name, Qt::CaseInsensitive) == 0;
+    // Where both are listed, a name like another is one of its own.
+    if (meant.isEmpty() || (m_configuration.entryOfName.contains(meant) && !differsByCapitals))
+        return;
+    add(Code::NameNearMiss, entry.name, entry.places.name,
+        QStringLiteral("Nothing asks for \"%1\", but for \"%2\".").arg(shown(entry.name), meant),
+        QStringLiteral("The manager loads the library if it is there, and uses it for nothing: names are "
+                       "compared letter by letter, with case."),
+        QStringLiteral("Call entry and file \"%1\", if that is what it is.").arg(meant));
+}
+
+void ConfigurationCheck::checkVersion(const Entry &entry)
+{
+    const int type = entry.version.userType();
+    if (type == QMetaType::QString || !entry.version.isValid())
+        return;
+    add(Code::VersionType, entry.name, entry.places.version,
+        QStringLiteral("The version of \"%1\" is %2, which is no text.")
+            .arg(shown(entry.name), written(entry.version)),
+        QStringLiteral(
+            "It is compared by conversion: a plug-in that needs the version as a text may be satisfied "
+            "by another text than the one you see, and one that needs a number by surprise."),
+        QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(entry.version))));
+}
+
+/// What the manager does about dependencies that are not met, told for the entry that they stand in.
+QString ConfigurationCheck::consequenceOf(const Entry &entry) const
+{
+    if (m_configuration.set == Set::Dfm)
+        return QStringLiteral(
+            "The manager loads the plug-in all the same: it never looks at the dependencies in "
+            "a DFM file.");
+    const QString checked =
+        entry.name.endsWith(QLatin1String(".dll")) ? entry.name.chopped(int(qstrlen(".dll"))) : QString();
+    if (!checked.isEmpty() && m_configuration.entryOfName.contains(checked))
+        return QStringLiteral(
+                   "The manager refuses to load \"%1\": it looks dependencies up under the file name "
+                   "\"%2\", which is this entry.")
+            .arg(shown(checked), shown(entry.name));
+    return QStringLiteral(
+               "The manager loads the plug-in all the same: it looks dependencies up under \"%1.dll\", "
+               "and the list has \"%1\".")
+        .arg(shown(entry.name));
+}
+
+bool ConfigurationCheck::isMetByCamSet(const Dependency &dependency) const
+{
+    return std::any_of(m_all.begin(), m_all.end(), [&](const Configuration &configuration) {
+        const int entry = configuration.set == Set::Cam ? entryNamed(configuration, dependency.name) : -1;
+        return entry >= 0 && configuration.entries.at(entry).version == dependency.version;
+    });
+}
+
+void ConfigurationCheck::checkDependency(int index, int number, DependencyState state)
+{
+    const Entry &entry = m_configuration.entries.at(index);
+    const Dependency &dependency = entry.dependencies.at(number);
+    // The schema says so, and better.
+    if (!dependency.name.isValid() || !dependency.version.isValid())
+        return;
+    const QString name = shown(textOf(dependency.name));
+    if (dependency.version.userType() != QMetaType::QString) {
+        add(Code::VersionType, entry.name, dependency.places.version,
+            QStringLiteral("\"%1\" needs \"%2\" in version %3, which is no text.")
+                .arg(shown(entry.name), name, written(dependency.version)),
+            state == DependencyState::Version
+                ? QStringLiteral("The two versions are not equal to the manager, though they may look equal.")
+                : QStringLiteral("It is compared by conversion."),
+            QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(dependency.version))));
+    }
+    if (state == DependencyState::Missing) {
+        const QString what = QStringLiteral("\"%1\" needs \"%2\" %3, which the list does not have.")
+                                 .arg(shown(entry.name), name, written(dependency.version));
+        if (m_configuration.set == Set::Dfm) {
+            checkIgnored(entry, dependency, what);
+            return;
+        }
+        QStringList near;
+        constexpr int mostSearches = 100; // Each is a pass over the list.
+        if (m_searches++ < mostSearches) {
+            QStringList names;
+            for (const Entry &other : m_configuration.entries)
+                names.append(other.name);
+            near = NearNames(names).of(textOf(dependency.name), 2);
+        }
+        add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(entry),
+            near.isEmpty() ? QStringLiteral("List \"%1\", or take the dependency out.").arg(name)
+                           : didYouMean(near));
+    } else if (state == DependencyState::Version) {
+        const Entry &needed = m_configuration.entries.at(entryNamed(m_configuration, dependency.name));
+        const QString what =
+            QStringLiteral("\"%1\" needs \"%2\" in version %3, and the list has version %4 (line %5).")
+                .arg(shown(entry.name), name, written(dependency.version), written(needed.version))
+                .arg(needed.places.version.line);
+        if (m_configuration.set == Set::Dfm) {
+            checkIgnored(entry, dependency, what);
+            return;
+        }
+        add(Code::DependencyVersion, entry.name, dependency.places.version, what, consequenceOf(entry),
+            QStringLiteral(
+                "Ship the version that is needed, or correct the version here: only an equal one is "
+                "right, \"1.0\" is not \"1.00\"."));
+    } else if (state == DependencyState::Self) {
+        add(Code::DependencySelf, entry.name, dependency.places.name,
+            QStringLiteral("\"%1\" depends on itself.").arg(shown(entry.name)), consequenceOf(entry),
+            QStringLiteral("Take the dependency out."));
+    }
+}
+
+void ConfigurationCheck::checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what)
+{
+    if (isMetByCamSet(dependency))
+        return;
+    add(Code::DependencyIgnored, entry.name, dependency.places.name, what, consequenceOf(entry),
+        QStringLiteral(
+            "Correct it, for those who read it. If it is a plug-in of the CAM set, name the CAM file in "
+            "the same call."));
+}
+
+void ConfigurationCheck::addCycles()
+{
+    for (const QVector<int> &cycle : m_dependencies.cycles) {
+        QStringList names;
+        for (const int entry : cycle)
+            names.append(shown(m_configuration.entries.at(entry).name));
+        const Entry &first = m_configuration.entries.at(cycle.first());
+        const auto closing = std::find_if(
+            first.dependencies.begin(), first.dependencies.end(), [&](const Dependency &dependency) {
+                return entryNamed(m_configuration, dependency.name) == cycle.at(1);
+            });
+        add(Code::DependencyCycle, first.name, closing->places.name,
+            QStringLiteral("The dependencies form a circle: %1.")
+                .arg(shortened(names, QStringLiteral(" -> "))),
+            consequenceOf(first), QStringLiteral("Take one of these dependencies out."));
+    }
+}
+
+/// What the schema finds, where no other finding has said it already.
+void ConfigurationCheck::checkSchema()
+{
+    if (!m_configuration.isObject)
+        return;
+    for (const SchemaMistake &mistake : schemaMistakes(m_configuration)) {
+        if (m_explained.contains({mistake.place.line, mistake.place.column}))
+            continue;
+        const QString plugin =
+            mistake.entry >= 0 ? m_configuration.entries.at(mistake.entry).name : QString();
+        add(Code::ConfigSchema, plugin, mistake.place, mistake.message, mistake.consequence,
+            QStringLiteral("Correct it; docs/configuration.md has the format."));
+    }
+}
+
+void ConfigurationCheck::addReport()
+{
+    ConfigurationReport result{m_configuration.file, nameOf(m_configuration.set), {}, {}};
+    for (int i = 0; i < m_configuration.entries.size(); ++i) {
+        if (!m_configuration.counts(i))
+            continue;
+        const Entry &entry = m_configuration.entries.at(i);
+        PluginReport plugin{entry.name, entry.version.isValid() ? textOf(entry.version) : QString(),
+                            entry.places.entry.line};
+        for (int j = 0; j < entry.dependencies.size(); ++j) {
+            const Dependency &dependency = entry.dependencies.at(j);
+            const DependencyState state = m_dependencies.states.at(i).at(j);
+            const bool ignored = m_configuration.set == Set::Dfm;
+            const char *text = "met";
+            if (state == DependencyState::Missing)
+                text = ignored ? (isMetByCamSet(dependency) ? "met" : "ignored") : "missing";
+            else if (state == DependencyState::Version)
+                text = ignored ? "ignored" : "version";
+            else if (state == DependencyState::Cycle || state == DependencyState::Self)
+                text = "cycle";
+            plugin.dependencies.append({textOf(dependency.name), textOf(dependency.version), text});
+        }
+        result.plugins.append(plugin);
+    }
+    for (const QVector<int> &cycle : m_dependencies.cycles) {
+        QStringList names;
+        for (const int entry : cycle)
+            names.append(m_configuration.entries.at(entry).name);
+        result.cycles.append(names);
+    }
+    m_report.configurations.append(result);
+}
+
+}
+
+void checkConfigurations(const QVector<Configuration> &configurations, Report &report)
+{
+    for (const Configuration &configuration : configurations)
+        ConfigurationCheck(configuration, configurations, report).run();
+    if (!knowsSchema())
+        report.leaveOut(
+            QStringLiteral("Configuration files were not compared with their schema: this build has no "
+                           "validator (valijson)."));
+}
+
+}

@@ -1,0 +1,675 @@
+#include "LibraryChecks.h"
+
+#include "Names.h"
+
+#include <pluginMangerSdk.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QMap>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QSet>
+
+#include <algorithm>
+#include <memory>
+
+namespace PluginCheck {
+
+namespace {
+
+/// A plug-in of the call, and the file that its manager would load.
+struct Candidate
+{
+    const Configuration *configuration;
+    const Entry *entry;
+    PluginReport *result;
+    QString path;
+    std::shared_ptr<const LibraryFile> file;
+};
+
+/// A library that a plug-in needs, itself or through others.
+struct Needed
+{
+    QString name;
+    QString path;
+    bool isSystem;
+};
+
+const QString failsToLoad =
+    QStringLiteral("The load fails: the manager logs the loader's reason, shows a message "
+                   "box, and goes on.");
+
+QString versionText(int version)
+{
+    return QStringLiteral("%1.%2").arg(version >> 8).arg(version & 0xff);
+}
+
+/// The first two parts of a version as a number; 0 for what is none.
+int versionOf(const QString &text)
+{
+    static const QRegularExpression numbers(QStringLiteral(R"(^(\d{1,2})\.(\d{1,3}))"));
+    const QRegularExpressionMatch match = numbers.match(text);
+    return match.hasMatch() ? match.captured(1).toInt() * 256 + match.captured(2).toInt() : 0;
+}
+
+QMap<QByteArray, QByteArray> partsOf(const QByteArray &stamp)
+{
+    QMap<QByteArray, QByteArray> parts;
+    for (const QByteArray &part : stamp.split(';')) {
+        const int equals = int(part.indexOf('='));
+        if (equals > 0)
+            parts.insert(part.left(equals), part.mid(equals + 1));
+    }
+    return parts;
+}
+
+bool isQtCore(const QString &library)
+{
+    static const QRegularExpression name(QStringLiteral(R"(^(lib)?Qt\dCored?\.(so.*|dll)$)"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    return name.match(library).hasMatch();
+}
+
+/// Which Qt a library is linked to, by the names of what it needs: 0 if it is to none.
+int qtMajorOf(const LibraryFile &file)
+{
+    static const QRegularExpression name(QStringLiteral(R"(^(?:lib)?Qt(\d)[A-Z])"));
+    for (const QString &needed : file.needed) {
+        const QRegularExpressionMatch match = name.match(needed);
+        if (match.hasMatch())
+            return match.captured(1).toInt();
+    }
+    return 0;
+}
+
+enum class QtBuild { None, Release, Debug, Both };
+
+/// On Windows the libraries of a debug build of Qt have a "d" at the end of their names.
+QtBuild qtBuildOf(const LibraryFile &file)
+{
+    static const QRegularExpression name(QStringLiteral(R"(^Qt\d(Core|Gui|Widgets)(d?)\.dll$)"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    bool debug = false;
+    bool release = false;
+    for (const QString &needed : file.needed) {
+        const QRegularExpressionMatch match = name.match(needed);
+        debug = debug || (match.hasMatch() && !match.captured(2).isEmpty());
+        release = release || (match.hasMatch() && match.captured(2).isEmpty());
+    }
+    if (debug && release)
+        return QtBuild::Both;
+    return debug ? QtBuild::Debug : (release ? QtBuild::Release : QtBuild::None);
+}
+
+/// Functions that a sanitizer's run-time library in the host brings.
+bool isOfSanitizer(const std::string &symbol)
+{
+    for (const char *prefix :
+         {"__asan_", "__lsan_", "__msan_", "__tsan_", "__ubsan_", "__sanitizer_", "__sancov_"}) {
+        if (symbol.rfind(prefix, 0) == 0)
+            return true;
+    }
+    return false;
+}
+
+/// The checks of the libraries of one call.
+class LibraryCheck
+{
+public:
+    LibraryCheck(const LibrarySearch &search, Report &report)
+        : m_search(search)
+        , m_report(report)
+        , m_nearFiles(search.fileNames())
+    {
+    }
+
+    void run(const QVector<Configuration> &configurations);
+
+private:
+    bool locate(Candidate &candidate);
+    void addMissing(const Candidate &candidate, const QString &fileName);
+    bool checkFile(const Candidate &candidate);
+    void checkMachines(const QVector<Candidate> &candidates);
+    void checkContents(const Candidate &candidate);
+    void checkExports(const Candidate &candidate, const QVector<Needed> &needed);
+    void addFactoryMissing(const Candidate &candidate, const QByteArray &factory);
+    void checkNeeded(const Candidate &candidate, QVector<Needed> &needed, bool &complete);
+    void checkSymbols(const Candidate &candidate, const QVector<Needed> &needed);
+    void checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed);
+    void checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed);
+    void addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols, const QString &who);
+    void checkVersions(const Candidate &candidate, const QVector<Needed> &needed);
+    void checkQt(const Candidate &candidate, const QVector<Needed> &needed);
+    void checkStamp(const Candidate &candidate);
+    void checkBuilds(const QVector<Candidate> &candidates);
+    void addQtVersion(const Candidate &candidate, const QString &built, const QString &found);
+    void add(Code code, const Candidate &candidate, const QString &message, const QString &consequence,
+             const QString &advice);
+
+    const LibrarySearch &m_search;
+    Report &m_report;
+    NearNames m_nearFiles;
+    int m_searches = 0;
+};
+
+void LibraryCheck::run(const QVector<Configuration> &configurations)
+{
+    QVector<Candidate> candidates;
+    for (int i = 0; i < configurations.size(); ++i) {
+        const Configuration &configuration = configurations.at(i);
+        for (PluginReport &result : m_report.configurations[i].plugins) {
+            // Names that cannot be those of files have a finding already.
+            const bool isName = std::all_of(result.name.begin(), result.name.end(),
+                                            [](QChar character) { return character.unicode() >= ' '; });
+            if (result.name.isEmpty() || !isName)
+                continue;
+            const Entry &entry = configuration.entries.at(configuration.entryOfName.value(result.name));
+            candidates.append({&configuration, &entry, &result, {}, nullptr});
+        }
+    }
+    QVector<Candidate> readable;
+    for (Candidate &candidate : candidates) {
+        if (locate(candidate) && checkFile(candidate))
+            readable.append(candidate);
+    }
+    checkMachines(readable);
+    if (!knowsLibraries()) {
+        m_report.leaveOut(
+            QStringLiteral("What libraries export and need was not looked at: this build has no "
+                           "reader for them (LIEF)."));
+        return;
+    }
+    for (const Candidate &candidate : qAsConst(readable))
+        checkContents(candidate);
+    checkBuilds(readable);
+}
+
+void LibraryCheck::add(Code code, const Candidate &candidate, const QString &message,
+                       const QString &consequence, const QString &advice)
+{
+    const QString file = candidate.path.isEmpty() ? candidate.configuration->file : candidate.path;
+    const Place place = candidate.path.isEmpty() ? candidate.entry->places.name : Place();
+    m_report.add({code, candidate.configuration->file, candidate.entry->name, file, place, message,
+                  consequence, advice});
+}
+
+/// Finds and reads the file. A plain library is also found under the names that QLibrary makes of a bare one.
+bool LibraryCheck::locate(Candidate &candidate)
+{
+    const QString fileName = candidate.entry->name + QLatin1String(".dll");
+    candidate.path = m_search.exactFile(fileName);
+    if (candidate.path.isEmpty() && candidate.configuration->set != Set::Desktop) {
+        for (const char *pattern : {"lib%1.so", "lib%1", "%1.so"}) {
+            if (candidate.path.isEmpty())
+                candidate.path = m_search.exactFile(QString::fromLatin1(pattern).arg(fileName));
+        }
+    }
+    if (candidate.path.isEmpty()) {
+        const QString similar = m_search.similarFile(fileName);
+        if (similar.isEmpty()) {
+            addMissing(candidate, fileName);
+            return false;
+        }
+        candidate.path = similar;
+        candidate.file = std::make_shared<const LibraryFile>(readLibrary(similar));
+        if (candidate.file->format != LibraryFile::Format::Pe) {
+            add(Code::LibraryCase, candidate,
+                QStringLiteral("The file is called \"%1\", and \"%2\" is looked for.")
+                    .arg(QFileInfo(similar).fileName(), fileName),
+                failsToLoad, QStringLiteral("Rename the file."));
+            return false;
+        }
+    } else {
+        candidate.file = std::make_shared<const LibraryFile>(readLibrary(candidate.path));
+    }
+    candidate.result->library = candidate.path;
+    return true;
+}
+
+void LibraryCheck::addMissing(const Candidate &candidate, const QString &fileName)
+{
+    QStringList near;
+    constexpr int mostSearches = 200; // Each is a pass over all file names.
+    if (m_searches++ < mostSearches)
+        near = m_nearFiles.of(fileName, 3);
+    add(Code::LibraryMissing, candidate,
+        QStringLiteral("There is no file \"%1\" in %2.")
+            .arg(fileName, m_search.directories().join(QStringLiteral(", "))),
+        failsToLoad,
+        near.isEmpty()
+            ? QStringLiteral("Put the library there, name its folder by --library-dir, or take the entry "
+                             "out.")
+            : didYouMean(near));
+}
+
+bool LibraryCheck::checkFile(const Candidate &candidate)
+{
+    const LibraryFile &file = *candidate.file;
+    const QString anew = QStringLiteral("Build or copy the file anew.");
+    switch (file.problem) {
+    case LibraryFile::Problem::None:
+        return true;
+    case LibraryFile::Problem::Unreadable:
+        add(Code::LibraryUnreadable, candidate, file.detail, failsToLoad,
+            QStringLiteral("Look at the file and its permissions."));
+        break;
+    case LibraryFile::Problem::NoLibrary:
+        add(Code::LibraryFormat, candidate, file.detail, failsToLoad, anew);
+        break;
+    case LibraryFile::Problem::Truncated:
+        add(Code::LibraryTruncated, candidate, file.detail,
+            QStringLiteral("The load fails, or ends the host when the missing part is touched."), anew);
+        break;
+    case LibraryFile::Problem::Damaged:
+        add(Code::LibraryDamaged, candidate, file.detail, failsToLoad, anew);
+        break;
+    }
+    return false;
+}
+
+/// The most frequent kind is taken for what the set is for.
+void LibraryCheck::checkMachines(const QVector<Candidate> &candidates)
+{
+    const auto kindOf = [](const LibraryFile &file) {
+        return QStringLiteral("%1 for %2")
+            .arg(file.format == LibraryFile::Format::Pe ? QStringLiteral("PE") : QStringLiteral("ELF"),
+                 file.machine);
+    };
+    QMap<QString, int> counts;
+    for (const Candidate &candidate : candidates)
+        ++counts[kindOf(*candidate.file)];
+    if (counts.size() < 2)
+        return;
+    const auto usual =
+        std::max_element(counts.keyValueBegin(), counts.keyValueEnd(),
+                         [](const auto &left, const auto &right) { return left.second < right.second; });
+    for (const Candidate &candidate : candidates) {
+        const QString kind = kindOf(*candidate.file);
+        if (kind == (*usual).first)
+            continue;
+        add(Code::LibraryMachine, candidate,
+            QStringLiteral("The library is %1, and %2 of %3 are %4.")
+                .arg(kind)
+                .arg((*usual).second)
+                .arg(candidates.size())
+                .arg((*usual).first),
+            failsToLoad, QStringLiteral("Build it for the machine of the others."));
+    }
+}
+
+void LibraryCheck::checkContents(const Candidate &candidate)
+{
+    QVector<Needed> needed;
+    bool complete = true;
+    checkNeeded(candidate, needed, complete);
+    checkExports(candidate, needed);
+    if (complete)
+        checkSymbols(candidate, needed);
+    checkVersions(candidate, needed);
+    checkQt(candidate, needed);
+    checkStamp(candidate);
+}
+
+/// Whether a symbol is found in a library. On Linux what the libraries have that it needs is found, too.
+bool resolves(const std::string &symbol, const LibraryFile &file, const QVector<Needed> &needed,
+              const LibrarySearch &search)
+{
+    if (file.exports.count(symbol) > 0)
+        return true;
+    return file.format == LibraryFile::Format::Elf
+           && std::any_of(needed.begin(), needed.end(), [&](const Needed &library) {
+                  return !library.isSystem && search.read(library.path).exports.count(symbol) > 0;
+              });
+}
+
+void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    const LibraryFile &file = *candidate.file;
+    if (!file.exportsAreComplete)
+        return;
+    if (candidate.configuration->set == Set::Desktop) {
+        if (!file.isQtPlugin) {
+            add(Code::QtPluginMissing, candidate,
+                file.exports.count("qt_plugin_instance") > 0
+                    ? QStringLiteral("The library has an instance, but no metadata of a Qt plug-in.")
+                    : QStringLiteral("The library is no Qt plug-in."),
+                failsToLoad,
+                QStringLiteral(
+                    "Build it with QT_PLUGIN, with Q_PLUGIN_METADATA in its class, or list it in a CAM "
+                    "set."));
+        }
+        return;
+    }
+    const Request *const request = requestNamed(candidate.entry->name, candidate.configuration->set);
+    const bool receives = resolves(entryPoint, file, needed, m_search);
+    if (!request) {
+        if (!receives && !resolves(factoryOfAnyLibrary().toStdString(), file, needed, m_search)) {
+            add(Code::NameUnused, candidate,
+                QStringLiteral("No operation asks for \"%1\", and it exports neither %2 nor %3.")
+                    .arg(candidate.entry->name, QString::fromLatin1(factoryOfAnyLibrary()),
+                         QString::fromLatin1(entryPoint)),
+                QStringLiteral("The manager loads it and never calls it."),
+                QStringLiteral("Correct name or exports, or take the entry out."));
+        }
+        return;
+    }
+    for (const QByteArray &factory : request->factories) {
+        if (!resolves(factory.toStdString(), file, needed, m_search))
+            addFactoryMissing(candidate, factory);
+    }
+    if (!receives) {
+        add(Code::EntryPointMissing, candidate,
+            QStringLiteral("The library does not export %1.").arg(QString::fromLatin1(entryPoint)),
+            QStringLiteral("Messages to it vanish, and nothing is logged."),
+            QStringLiteral("Export it; PLUGINMANGER_ENTRY_POINT in pluginMangerSdk.h does."));
+    }
+}
+
+void LibraryCheck::addFactoryMissing(const Candidate &candidate, const QByteArray &factory)
+{
+    const QByteArray itanium = "_Z" + QByteArray::number(factory.size()) + factory;
+    const QByteArray microsoft = '?' + factory + "@@";
+    QStringList functions;
+    bool isMangled = false;
+    for (const std::string &symbol : candidate.file->exports) {
+        const QByteArray name = QByteArray::fromRawData(symbol.data(), int(symbol.size()));
+        isMangled = isMangled || name.startsWith(itanium) || name.startsWith(microsoft);
+        if (name.startsWith("Get") || name.startsWith("get"))
+            functions.append(QString::fromLatin1(name));
+    }
+    functions.sort();
+    QString advice =
+        QStringLiteral("Export it as extern \"C\"; PLUGINMANGER_FACTORY in pluginMangerSdk.h does.");
+    if (isMangled) {
+        advice = QStringLiteral("It is there as a C++ function. Declare it extern \"C\".");
+    } else if (!functions.isEmpty()) {
+        const QStringList near = NearNames(functions).of(QString::fromLatin1(factory), 3);
+        advice = QStringLiteral("It exports %1. ")
+                     .arg((near.isEmpty() ? QStringList(functions.mid(0, 3)) : near).join(", "))
+                 + advice;
+    }
+    add(Code::FactoryMissing, candidate,
+        QStringLiteral("The library does not export %1.").arg(QString::fromLatin1(factory)),
+        QStringLiteral("The operation for it returns null, and nothing is logged."), advice);
+}
+
+/// Walks what the library needs, and what that needs in turn; but leaves the system's own libraries to the
+/// system.
+void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &needed, bool &complete)
+{
+    struct Step
+    {
+        const LibraryFile *file;
+        QString path;
+        QStringList inherited;
+        QString way;
+    };
+    QVector<Step> steps{{candidate.file.get(), candidate.path, {}, {}}};
+    QSet<QString> seen;
+    for (int i = 0; i < steps.size(); ++i) {
+        const Step step = steps.at(i);
+        for (const QString &name : step.file->needed) {
+            if (seen.contains(name))
+                continue;
+            seen.insert(name);
+            const FoundLibrary found = m_search.find(name, *step.file, step.path, step.inherited);
+            if (found.state == FoundLibrary::State::Missing) {
+                complete = false;
+                add(Code::NeededMissing, candidate,
+                    step.way.isEmpty() ? QStringLiteral("It needs %1, which cannot be found.").arg(name)
+                                       : QStringLiteral("It needs %1, which needs %2, which cannot be found.")
+                                             .arg(step.way, name),
+                    failsToLoad,
+                    candidate.file->format == LibraryFile::Format::Pe
+                        ? QStringLiteral("Put it beside the program, or name its folder by --library-dir.")
+                        : QStringLiteral(
+                            "Ship it, or name its folder by --library-dir if the host finds it."));
+                continue;
+            }
+            if (found.state == FoundLibrary::State::Unknown) {
+                complete = false;
+                m_report.leaveOut(
+                    QStringLiteral("Libraries for %1 were not looked for in the system's folders, which "
+                                   "are for this machine.")
+                        .arg(candidate.file->machine));
+                continue;
+            }
+            if (found.path.isEmpty())
+                continue;
+            needed.append({name, found.path, found.isSystem});
+            if (found.isSystem)
+                continue;
+            const LibraryFile &file = m_search.read(found.path);
+            if (file.problem != LibraryFile::Problem::None) {
+                complete = false;
+                add(Code::NeededMissing, candidate,
+                    QStringLiteral("It needs %1, and that file is no good: %2").arg(found.path, file.detail),
+                    failsToLoad, QStringLiteral("Build or copy that file anew."));
+                continue;
+            }
+            QStringList inherited = step.inherited;
+            if (step.file->runpath.isEmpty())
+                inherited = expandedPaths(step.file->rpath, step.path) + inherited;
+            steps.append({&file, found.path, inherited,
+                          step.way.isEmpty() ? name : step.way + QStringLiteral(", which needs ") + name});
+        }
+    }
+}
+
+void LibraryCheck::checkSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    if (candidate.file->format == LibraryFile::Format::Pe)
+        checkPeSymbols(candidate, needed);
+    else
+        checkElfSymbols(candidate, needed);
+}
+
+void LibraryCheck::checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    std::vector<std::string> missing;
+    for (const ImportedSymbol &symbol : candidate.file->imports) {
+        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && candidate.file->exports.count(symbol.name) == 0)
+            missing.push_back(symbol.name);
+    }
+    // What the library needs comes first, then what each host has loaded, and what those need in turn.
+    QStringList paths;
+    QSet<QString> seen;
+    const auto enqueue = [&](const QString &path) {
+        if (!path.isEmpty() && !seen.contains(path)) {
+            seen.insert(path);
+            paths.append(path);
+        }
+    };
+    for (const Needed &library : needed)
+        enqueue(library.path);
+    bool hostIsAdded = false;
+    for (int i = 0; !missing.empty(); ++i) {
+        if (i == paths.size()) {
+            if (hostIsAdded)
+                break;
+            hostIsAdded = true;
+            for (const char *library :
+                 {"libQt5Core.so.5", "libQt5Gui.so.5", "libQt5Widgets.so.5", "libglog.so.1", "libstdc++.so.6",
+                  "libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2"})
+                enqueue(
+                    m_search.find(QString::fromLatin1(library), *candidate.file, candidate.path, {}).path);
+            if (i == paths.size())
+                break;
+        }
+        const LibraryFile &library = m_search.read(paths.at(i));
+        if (!library.exportsAreComplete)
+            return;
+        missing.erase(
+            std::remove_if(missing.begin(), missing.end(),
+                           [&](const std::string &symbol) { return library.exports.count(symbol) > 0; }),
+            missing.end());
+        if (missing.empty())
+            return;
+        for (const QString &name : library.needed)
+            enqueue(m_search.find(name, library, paths.at(i), {}).path);
+    }
+    addSymbolsMissing(candidate, missing, QStringLiteral("none of the libraries that it needs has"));
+}
+
+void LibraryCheck::checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    for (const Needed &library : needed) {
+        const LibraryFile &file = m_search.read(library.path);
+        std::vector<std::string> missing;
+        for (const ImportedSymbol &symbol : candidate.file->imports) {
+            if (symbol.library.compare(library.name, Qt::CaseInsensitive) == 0
+                && file.exports.count(symbol.name) == 0)
+                missing.push_back(symbol.name);
+        }
+        addSymbolsMissing(candidate, missing, library.path + QStringLiteral(" does not have"));
+    }
+}
+
+void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
+                                     const QString &who)
+{
+    if (symbols.empty())
+        return;
+    constexpr std::size_t most = 5;
+    std::sort(symbols.begin(), symbols.end());
+    QStringList names;
+    for (std::size_t i = 0; i < symbols.size() && i < most; ++i)
+        names.append(QString::fromStdString(symbols[i]));
+    if (symbols.size() > most)
+        names.append(QStringLiteral("and %1 more").arg(symbols.size() - most));
+    add(Code::SymbolMissing, candidate,
+        QStringLiteral("It uses what %1: %2.").arg(who, names.join(QStringLiteral(", "))), failsToLoad,
+        QStringLiteral(
+            "Link it with the library that has them, in the version that is shipped. c++filt shows the "
+            "names as they are written."));
+}
+
+void LibraryCheck::checkVersions(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    for (const ImportedVersion &version : candidate.file->importedVersions) {
+        const auto library = std::find_if(needed.begin(), needed.end(),
+                                          [&](const Needed &other) { return other.name == version.library; });
+        if (library == needed.end())
+            continue;
+        const LibraryFile &file = m_search.read(library->path);
+        if (file.definedVersions.empty() || file.definedVersions.count(version.version) > 0)
+            continue;
+        add(Code::SymbolVersion, candidate,
+            QStringLiteral("It needs %1 of %2, and %3 does not have it.")
+                .arg(QString::fromStdString(version.version), version.library, library->path),
+            failsToLoad,
+            QStringLiteral("Build it on the oldest system that it must run on, or ship what it needs."));
+    }
+}
+
+void LibraryCheck::addQtVersion(const Candidate &candidate, const QString &built, const QString &found)
+{
+    add(Code::QtVersion, candidate, QStringLiteral("It was built with Qt %1, and %2.").arg(built, found),
+        candidate.configuration->set == Set::Desktop
+            ? failsToLoad
+            : QStringLiteral(
+                "Nobody checks a plain library's Qt: the load fails, or the host crashes later."),
+        QStringLiteral("Build it with the host's Qt."));
+}
+
+void LibraryCheck::checkQt(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    constexpr int ourMajor = QT_VERSION_MAJOR;
+    const QString stamped = QString::fromLatin1(partsOf(candidate.file->stamp).value("qt"));
+    const int built = candidate.file->qtPluginVersion ? candidate.file->qtPluginVersion : versionOf(stamped);
+    const int major = built ? built >> 8 : qtMajorOf(*candidate.file);
+    if (major && major != ourMajor) {
+        addQtVersion(candidate, built ? versionText(built) : QString::number(major),
+                     QStringLiteral("hosts of the manager have Qt %1").arg(ourMajor));
+        return;
+    }
+    const auto core = std::find_if(needed.begin(), needed.end(),
+                                   [](const Needed &library) { return isQtCore(library.name); });
+    if (!built || core == needed.end())
+        return;
+    const QString fileName = QFileInfo(QFileInfo(core->path).canonicalFilePath()).fileName();
+    const int found = candidate.file->format == LibraryFile::Format::Pe
+                          ? versionOf(m_search.read(core->path).resourceVersion)
+                          : versionOf(fileName.section(QStringLiteral(".so."), 1));
+    if (found && (found >> 8) == (built >> 8) && found < built)
+        addQtVersion(candidate, versionText(built),
+                     QStringLiteral("the older %1 was found in %2").arg(versionText(found), core->path));
+}
+
+void LibraryCheck::checkStamp(const Candidate &candidate)
+{
+    if (candidate.file->stamp.isEmpty())
+        return;
+    const QMap<QByteArray, QByteArray> ours = partsOf(PluginMangerSdk::abiStamp().text);
+    const QMap<QByteArray, QByteArray> theirs = partsOf(candidate.file->stamp);
+    // A later format may tell things in another way.
+    if (theirs.value("pluginMangerAbi") != ours.value("pluginMangerAbi"))
+        return;
+    QStringList differences;
+    for (const char *key : {"pointer", "record"}) {
+        if (theirs.value(key) != ours.value(key))
+            differences.append(QStringLiteral("%1 is %2 and should be %3")
+                                   .arg(QLatin1String(key), QString::fromLatin1(theirs.value(key)),
+                                        QString::fromLatin1(ours.value(key))));
+    }
+    if (differences.isEmpty())
+        return;
+    add(Code::AbiStamp, candidate,
+        QStringLiteral("Its stamp differs: %1.").arg(differences.join(QStringLiteral("; "))),
+        QStringLiteral("The load succeeds, and the first message to it is misread or crashes the host."),
+        QStringLiteral("Build it anew with the headers of the host's pluginManger, for 64 bits."));
+}
+
+/// What may be either way, but must be the same for all libraries of a process. Known of Windows alone.
+void LibraryCheck::checkBuilds(const QVector<Candidate> &candidates)
+{
+    QVector<Candidate> builds[2];
+    QVector<Candidate> compilers[2];
+    for (const Candidate &candidate : candidates) {
+        if (candidate.file->format != LibraryFile::Format::Pe)
+            continue;
+        const QtBuild build = qtBuildOf(*candidate.file);
+        if (build == QtBuild::Both) {
+            add(Code::QtBuild, candidate, QStringLiteral("It needs debug and release libraries of Qt."),
+                QStringLiteral("Two Qts are in one process, and it crashes."),
+                QStringLiteral("Build it, and what it is linked with, all debug or all release."));
+        } else if (build != QtBuild::None) {
+            builds[build == QtBuild::Debug ? 1 : 0].append(candidate);
+        }
+        const QByteArray compiler = partsOf(candidate.file->stamp).value("compiler");
+        if (!compiler.isEmpty())
+            compilers[compiler.startsWith("MSVC") ? 1 : 0].append(candidate);
+    }
+    const auto fewer = [](const QVector<Candidate>(&two)[2]) {
+        return two[1].size() > two[0].size() ? 0 : 1;
+    };
+    if (!builds[0].isEmpty() && !builds[1].isEmpty()) {
+        const int odd = fewer(builds);
+        for (const Candidate &candidate : qAsConst(builds[odd])) {
+            add(Code::QtBuild, candidate,
+                QStringLiteral("It needs the %1 libraries of Qt, and most of the set the others.")
+                    .arg(odd == 1 ? QStringLiteral("debug") : QStringLiteral("release")),
+                QStringLiteral("Two Qts are in one process, and it crashes."),
+                QStringLiteral("Build all of the set debug, or all release."));
+        }
+    }
+    if (!compilers[0].isEmpty() && !compilers[1].isEmpty()) {
+        for (const Candidate &candidate : qAsConst(compilers[fewer(compilers)])) {
+            add(Code::AbiStamp, candidate,
+                QStringLiteral("It was built with %1, and most of the set with another family of compilers.")
+                    .arg(QString::fromLatin1(partsOf(candidate.file->stamp).value("compiler"))),
+                QStringLiteral(
+                    "Classes of Qt cannot cross from one to the other: it fails to load, or crashes."),
+                QStringLiteral("Build all of the set with one compiler."));
+        }
+    }
+}
+
+}
+
+void checkLibraries(const QVector<Configuration> &configurations, const LibrarySearch &search, Report &report)
+{
+    LibraryCheck(search, report).run(configurations);
+}
+
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Configuration.h"
+#include "LibrarySearch.h"
+
+namespace PluginCheck {
+
+/// Says what is wrong with the libraries of the plug-ins, without loading one. Fills in where each was found.
+void checkLibraries(const QVector<Configuration> &configurations, const LibrarySearch &search,
+                    Report &report);
+
+}

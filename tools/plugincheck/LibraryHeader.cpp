@@ -1,0 +1,228 @@
+#include "LibraryHeader.h"
+
+#include <QtCore/QLocale>
+#include <QtCore/QSysInfo>
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace PluginCheck {
+
+namespace {
+
+constexpr char elfMagic[] = {'\x7f', 'E', 'L', 'F'};
+
+struct Machine
+{
+    quint64 number;
+    const char *name;
+};
+
+const Machine elfMachines[] = {{3, "x86"},      {62, "x86-64"},  {40, "ARM"},        {183, "ARM 64"},
+                               {243, "RISC-V"}, {21, "PowerPC"}, {258, "LoongArch"}, {8, "MIPS"}};
+const Machine peMachines[] = {{0x14c, "x86"}, {0x8664, "x86-64"}, {0x1c4, "ARM"}, {0xaa64, "ARM 64"}};
+
+template <std::size_t size>
+QString machineName(const Machine (&machines)[size], quint64 number)
+{
+    const auto *const machine =
+        std::find_if(std::begin(machines), std::end(machines),
+                     [&](const Machine &candidate) { return candidate.number == number; });
+    return machine == std::end(machines) ? QStringLiteral("machine %1").arg(number)
+                                         : QString::fromLatin1(machine->name);
+}
+
+QString nativeMachine()
+{
+    const QString architecture = QSysInfo::buildCpuArchitecture();
+    if (architecture == QLatin1String("x86_64"))
+        return QStringLiteral("x86-64");
+    if (architecture == QLatin1String("i386"))
+        return QStringLiteral("x86");
+    if (architecture == QLatin1String("arm64"))
+        return QStringLiteral("ARM 64");
+    return architecture == QLatin1String("arm") ? QStringLiteral("ARM") : architecture;
+}
+
+}
+
+LibraryHeader::LibraryHeader(const QByteArray &content)
+    : m_content(content)
+{
+    if (content.size() > 5 && std::equal(std::begin(elfMagic), std::end(elfMagic), content.begin())) {
+        m_isWide = content.at(4) == 2;
+        m_isBigEndian = content.at(5) == 2;
+    }
+}
+
+/// A number of the file; 0 beyond its end.
+template <typename Number>
+quint64 LibraryHeader::at(quint64 position) const
+{
+    if (position > quint64(m_content.size()) || quint64(m_content.size()) - position < sizeof(Number))
+        return 0;
+    const char *const bytes = m_content.constData() + position;
+    return m_isBigEndian ? qFromBigEndian<Number>(bytes) : qFromLittleEndian<Number>(bytes);
+}
+
+/// An address or a length, which has another size and place in files of each word size.
+quint64 LibraryHeader::word(quint64 position32, quint64 position64) const
+{
+    return isWide() ? at<quint64>(position64) : at<quint32>(position32);
+}
+
+void LibraryHeader::describe(LibraryFile &file) const
+{
+    if (m_content.size() >= 20 && std::equal(std::begin(elfMagic), std::end(elfMagic), m_content.begin())) {
+        describeElf(file);
+    } else if (m_content.startsWith("MZ")) {
+        describePe(file);
+    } else {
+        file.problem = LibraryFile::Problem::NoLibrary;
+        file.detail = m_content.isEmpty() ? QStringLiteral("The file is empty.")
+                                          : QStringLiteral("The file is neither ELF nor PE.");
+    }
+    file.isNative = file.format == nativeFormat && file.machine == nativeMachine();
+}
+
+void setTruncated(LibraryFile &file, quint64 size, quint64 expected)
+{
+    const QLocale locale = QLocale::c();
+    file.problem = LibraryFile::Problem::Truncated;
+    file.detail = QStringLiteral("The file is cut off: it has %1 of %2 bytes.")
+                      .arg(locale.toString(qulonglong(size)), locale.toString(qulonglong(expected)));
+}
+
+void LibraryHeader::describeElf(LibraryFile &file) const
+{
+    constexpr quint64 sharedObject = 3;
+    constexpr quint64 loadable = 1;
+    constexpr quint64 dynamic = 2;
+    const auto size = quint64(m_content.size());
+    file.format = LibraryFile::Format::Elf;
+    file.machine = machineName(elfMachines, at<quint16>(18));
+    if (!isWide() && file.machine == QLatin1String("x86-64"))
+        file.machine = QStringLiteral("x32");
+    const quint64 headerSize = isWide() ? 64 : 52;
+    if (size < headerSize) {
+        setTruncated(file, size, headerSize);
+        return;
+    }
+    if (at<quint16>(16) != sharedObject) {
+        file.problem = LibraryFile::Problem::NoLibrary;
+        file.detail = QStringLiteral("It is an ELF file, but no shared object.");
+        return;
+    }
+    const quint64 segments = word(28, 32);
+    const quint64 segmentSize = at<quint16>(isWide() ? 54 : 42);
+    const quint64 segmentCount = at<quint16>(isWide() ? 56 : 44);
+    if (segmentSize != (isWide() ? 56 : 32) || segmentCount == 0) {
+        file.problem = LibraryFile::Problem::Damaged;
+        file.detail = QStringLiteral("The ELF header has no table of segments.");
+        return;
+    }
+    quint64 expected = segments + segmentSize * segmentCount;
+    bool overflows = expected < segments;
+    bool isDynamic = false;
+    bool isLoadable = false;
+    for (quint64 i = 0; i < segmentCount && !overflows; ++i) {
+        const quint64 segment = segments + i * segmentSize;
+        const quint64 type = at<quint32>(segment);
+        if (type != loadable && type != dynamic)
+            continue;
+        const quint64 begin = word(segment + 4, segment + 8);
+        const quint64 length = word(segment + 16, segment + 32);
+        overflows = begin + length < begin;
+        expected = std::max(expected, begin + length);
+        isDynamic = isDynamic || type == dynamic;
+        isLoadable = isLoadable || type == loadable;
+    }
+    constexpr quint64 larger = quint64(1) << 40; // No file has that, so the number is no length.
+    if (overflows || expected > larger) {
+        file.problem = LibraryFile::Problem::Damaged;
+        file.detail = QStringLiteral("The table of segments points to nowhere.");
+    } else if (expected > size) {
+        setTruncated(file, size, expected);
+    } else if (!isDynamic || !isLoadable) {
+        file.problem = LibraryFile::Problem::Damaged;
+        file.detail = QStringLiteral("The file has no dynamic section, or nothing to load.");
+    }
+}
+
+void LibraryHeader::describePe(LibraryFile &file) const
+{
+    constexpr quint64 dll = 0x2000;
+    const auto size = quint64(m_content.size());
+    file.format = LibraryFile::Format::Pe;
+    const quint64 header = at<quint32>(60);
+    if (size < 64 || header + 24 > size) {
+        setTruncated(file, size, std::max<quint64>(64, header + 24));
+        return;
+    }
+    if (std::memcmp(m_content.constData() + header, "PE\0\0", 4) != 0) {
+        file.problem = LibraryFile::Problem::NoLibrary;
+        file.detail = QStringLiteral("It is a program for DOS, but no DLL.");
+        return;
+    }
+    file.machine = machineName(peMachines, at<quint16>(header + 4));
+    if (!(at<quint16>(header + 22) & dll)) {
+        file.problem = LibraryFile::Problem::NoLibrary;
+        file.detail = QStringLiteral("It is a PE file, but no DLL.");
+        return;
+    }
+    const quint64 sections = header + 24 + at<quint16>(header + 20);
+    const quint64 sectionCount = at<quint16>(header + 6);
+    quint64 expected = sections + 40 * sectionCount;
+    for (quint64 i = 0; i < sectionCount; ++i) {
+        const quint64 section = sections + 40 * i;
+        expected = std::max(expected, at<quint32>(section + 16) + at<quint32>(section + 20));
+    }
+    if (expected > size)
+        setTruncated(file, size, expected);
+    else if (sectionCount == 0)
+        file.problem = LibraryFile::Problem::Damaged;
+    if (sectionCount == 0)
+        file.detail = QStringLiteral("The PE header has no sections.");
+}
+
+bool LibraryHeader::hasSections() const
+{
+    const quint64 sections = word(32, 40);
+    const quint64 sectionSize = at<quint16>(isWide() ? 58 : 46);
+    const quint64 sectionCount = at<quint16>(isWide() ? 60 : 48);
+    const auto size = quint64(m_content.size());
+    return sections > 0 && sections < size && sectionCount > 0 && sectionSize == (isWide() ? 64 : 40)
+           && sectionCount * sectionSize <= size - sections;
+}
+
+std::vector<uint8_t> LibraryHeader::reduced() const
+{
+    std::vector<uint8_t> bytes(m_content.begin(), m_content.end());
+    const auto clear = [&](quint64 from, quint64 length) {
+        const quint64 begin = std::min<quint64>(from, bytes.size());
+        const quint64 end = std::min<quint64>(begin + length, bytes.size());
+        std::fill(bytes.begin() + std::ptrdiff_t(begin), bytes.begin() + std::ptrdiff_t(end), uint8_t(0));
+    };
+    if (!m_content.startsWith("MZ")) {
+        // The loader does not look at sections, so a damaged table of them is no fault.
+        if (!hasSections()) {
+            clear(isWide() ? 40 : 32, isWide() ? 8 : 4);
+            clear(isWide() ? 60 : 48, 4);
+        }
+        return bytes;
+    }
+    // All data directories but exports and imports, which are the first two, and the table of symbols.
+    constexpr quint64 directorySize = 8;
+    const quint64 header = at<quint32>(60);
+    const quint64 optional = header + 24;
+    const quint64 directories = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
+    const quint64 end = optional + at<quint16>(header + 20);
+    if (directories + 2 * directorySize < end)
+        clear(directories + 2 * directorySize, end - directories - 2 * directorySize);
+    clear(header + 12, 8);
+    return bytes;
+}
+
+}

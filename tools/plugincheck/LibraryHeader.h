@@ -1,0 +1,40 @@
+#pragma once
+
+#include "LibraryFile.h"
+
+namespace PluginCheck {
+
+/**
+ * Reads the headers of a file: format, machine, and whether the file is as long as they promise.
+ *
+ * All that is read is checked against the file's length first. What is found here is what a reader of more of
+ * the file may rely on.
+ */
+class LibraryHeader
+{
+public:
+    explicit LibraryHeader(const QByteArray &content);
+
+    /// Fills in format, machine and problem.
+    void describe(LibraryFile &file) const;
+
+    /// Returns the content with all taken out that nobody here asks for, so that nobody stumbles over it.
+    std::vector<uint8_t> reduced() const;
+
+    /// Whether an ELF file has a table of sections that lies in the file.
+    bool hasSections() const;
+
+private:
+    template <typename Number>
+    quint64 at(quint64 position) const;
+    quint64 word(quint64 position32, quint64 position64) const;
+    void describeElf(LibraryFile &file) const;
+    void describePe(LibraryFile &file) const;
+    bool isWide() const { return m_isWide; }
+
+    const QByteArray m_content;
+    bool m_isWide = true;
+    bool m_isBigEndian = false;
+};
+
+}

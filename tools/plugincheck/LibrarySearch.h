@@ -1,0 +1,72 @@
+#pragma once
+
+#include "LibraryFile.h"
+
+#include <QtCore/QHash>
+
+#include <memory>
+
+namespace PluginCheck {
+
+/// Where a library was found that another one needs.
+struct FoundLibrary
+{
+    enum class State { Found, Missing, Unknown };
+
+    State state = State::Missing;
+    /// Empty for what Windows itself brings.
+    QString path;
+    /// Whether it is one of the system's, whose own needs the system cares for.
+    bool isSystem = false;
+};
+
+/**
+ * Finds libraries by the rules of the platform that a file is for: of ELF files in rpaths, the folders of the
+ * call, LD_LIBRARY_PATH, runpaths, and where the system's loader looks; of PE files in the folders of the
+ * call and among those that Windows brings. The system's folders are asked only for files of this machine.
+ */
+class LibrarySearch
+{
+public:
+    explicit LibrarySearch(const QStringList &directories);
+
+    const QStringList &directories() const { return m_directories; }
+
+    /// Returns the path of a file in the folders of the call, with its case; empty if there is none.
+    QString exactFile(const QString &name) const;
+
+    /// The same without regard to case.
+    QString similarFile(const QString &name) const;
+
+    /// Returns all files in the folders of the call.
+    QStringList fileNames() const;
+
+    /// Finds a library that `file`, which lies at `path`, needs. `inherited` are the rpaths of those by which
+    /// it was itself found.
+    FoundLibrary find(const QString &needed, const LibraryFile &file, const QString &path,
+                      const QStringList &inherited) const;
+
+    /// Reads a file, once for each call of the program.
+    const LibraryFile &read(const QString &path) const;
+
+private:
+    FoundLibrary findElf(const QString &needed, const LibraryFile &file, const QString &path,
+                         const QStringList &inherited) const;
+    FoundLibrary findPe(const QString &needed) const;
+    QString inDirectory(const QString &directory, const QString &name, const QString &machine) const;
+    const QString &machineOf(const QString &path) const;
+    const QHash<QString, QString> &systemCache() const;
+
+    QStringList m_directories;
+    QVector<QMultiHash<QString, QString>>
+        m_files; // For each folder: names in small letters, and as they are.
+    mutable QHash<QString, std::shared_ptr<const LibraryFile>> m_read;
+    mutable QHash<QString, QString> m_machines;
+    mutable QHash<QString, QString> m_systemCache;
+    mutable bool m_systemCacheIsRead = false;
+};
+
+/// Returns the rpaths that what a library needs is looked for in, with $ORIGIN put in.
+QStringList expandedPaths(const QStringList &paths, const QString &library);
+
+}

@@ -1,0 +1,281 @@
+#include "Probe.h"
+
+#include "LibraryFile.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QEventLoop>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
+
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <memory>
+
+#ifdef Q_OS_WIN
+#    include <io.h>
+#else
+#    include <unistd.h>
+#endif
+
+namespace PluginCheck {
+
+namespace {
+
+bool errorsGoToTerminal()
+{
+#ifdef Q_OS_WIN
+    return _isatty(2) != 0;
+#else
+    return isatty(2) != 0;
+#endif
+}
+
+/// One library to be loaded.
+struct Job
+{
+    const Configuration *configuration;
+    PluginReport *plugin;
+    QString resultFile;
+};
+
+/// A process that loads a library, and what it has said so far.
+struct Running
+{
+    Job job;
+    std::unique_ptr<QProcess> process;
+    QByteArray output;
+    bool isOverdue = false;
+};
+
+/// Runs jobs, so many at once.
+class Runner
+{
+public:
+    Runner(const Options &options, Report &report)
+        : m_options(options)
+        , m_report(report)
+        , m_showsProgress(errorsGoToTerminal())
+    {
+    }
+
+    void run(const QVector<Job> &jobs);
+
+private:
+    void startNext();
+    void start(const Job &job);
+    void finish(const std::shared_ptr<Running> &running);
+    void takeOutput(Running &running) const;
+    void conclude(const Running &running);
+    void add(Code code, const Job &job, const QString &message, const QString &consequence,
+             const QString &advice);
+    void showProgress(const QString &name) const;
+    QProcessEnvironment environment() const;
+
+    const Options &m_options;
+    Report &m_report;
+    const bool m_showsProgress;
+    QVector<Job> m_jobs;
+    int m_next = 0;
+    int m_running = 0;
+    QEventLoop m_loop;
+};
+
+void Runner::run(const QVector<Job> &jobs)
+{
+    m_jobs = jobs;
+    for (int i = 0; i < m_options.jobs; ++i)
+        startNext();
+    if (m_running > 0)
+        m_loop.exec();
+    if (m_showsProgress)
+        std::fputs("\r\x1b[K", stderr);
+}
+
+void Runner::startNext()
+{
+    if (m_next < m_jobs.size())
+        start(m_jobs.at(m_next++));
+    else if (m_running == 0)
+        m_loop.quit();
+}
+
+/// The folders of the call stand for those where the host's loader looks.
+QProcessEnvironment Runner::environment() const
+{
+    QStringList directories;
+    for (const QString &directory : m_options.libraryDirectories)
+        directories.append(QDir::toNativeSeparators(QDir(directory).absolutePath()));
+#ifdef Q_OS_WIN
+    const QString variable = QStringLiteral("PATH");
+#else
+    const QString variable = QStringLiteral("LD_LIBRARY_PATH");
+#endif
+    QProcessEnvironment result = QProcessEnvironment::systemEnvironment();
+    const QString before = result.value(variable);
+    if (!before.isEmpty())
+        directories.append(before);
+    result.insert(variable, directories.join(QDir::listSeparator()));
+    result.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    return result;
+}
+
+void Runner::start(const Job &job)
+{
+    showProgress(job.plugin->name);
+    const auto running = std::make_shared<Running>();
+    running->job = job;
+    running->process = std::make_unique<QProcess>();
+    QProcess *const process = running->process.get();
+    process->setProcessChannelMode(QProcess::MergedChannels);
+    process->setProcessEnvironment(environment());
+    process->setStandardInputFile(QProcess::nullDevice());
+
+    QStringList arguments{QString::fromLatin1(probeOption), nameOf(job.configuration->set),
+                          job.plugin->name + QLatin1String(".dll"), job.resultFile};
+    for (const QString &directory : m_options.libraryDirectories)
+        arguments.append(QDir(directory).absolutePath());
+
+    QObject::connect(process, &QProcess::readyRead, process, [this, running] { takeOutput(*running); });
+    QObject::connect(process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), process,
+                     [this, running] { finish(running); });
+    QObject::connect(process, &QProcess::errorOccurred, process,
+                     [this, running](QProcess::ProcessError error) {
+                         if (error == QProcess::FailedToStart)
+                             finish(running);
+                     });
+    QTimer::singleShot(m_options.timeoutInSeconds * 1000, process, [running] {
+        running->isOverdue = true;
+        running->process->kill();
+    });
+    ++m_running;
+    process->start(QCoreApplication::applicationFilePath(), arguments);
+}
+
+void Runner::takeOutput(Running &running) const
+{
+    constexpr int most = 64 * 1024;
+    const QByteArray output = running.process->readAll();
+    running.output += output.left(most - int(running.output.size()));
+}
+
+void Runner::finish(const std::shared_ptr<Running> &running)
+{
+    takeOutput(*running);
+    conclude(*running);
+    // Its signals are being delivered just now, so it goes a little later.
+    running->process.release()->deleteLater();
+    --m_running;
+    startNext();
+}
+
+QString signalText(int number)
+{
+#ifdef Q_OS_WIN
+    return QStringLiteral("status 0x%1").arg(static_cast<uint>(number), 8, 16, QLatin1Char('0'));
+#else
+    return QStringLiteral("signal %1, %2").arg(number).arg(QString::fromLocal8Bit(strsignal(number)));
+#endif
+}
+
+void Runner::conclude(const Running &running)
+{
+    const QString ends = QStringLiteral("The host would end, too.");
+    const QString isRefused =
+        QStringLiteral("The manager logs this reason, shows a message box, and goes on.");
+    const QString debug =
+        QStringLiteral("Look at what the library does when it is loaded: constructors of static "
+                       "objects, and of the root object.");
+    ProbeReport result{QStringLiteral("loaded"), {}, QString::fromLocal8Bit(running.output).trimmed()};
+    QFile file(running.job.resultFile);
+    const QStringList lines = file.open(QIODevice::ReadOnly)
+                                  ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
+                                  : QStringList();
+    const QString last = lines.isEmpty() ? QString() : lines.last();
+    result.detail = last.section(' ', 1);
+    const QProcess &process = *running.process;
+    if (process.error() == QProcess::FailedToStart) {
+        m_report.leaveOut(
+            QStringLiteral("%1 was not probed: %2").arg(running.job.plugin->name, process.errorString()));
+        return;
+    }
+    if (running.isOverdue) {
+        result.result = QStringLiteral("hung");
+        result.detail = QStringLiteral("no end after %1 seconds").arg(m_options.timeoutInSeconds);
+        add(Code::ProbeHung, running.job,
+            QStringLiteral("Loading had not ended after %1 seconds.").arg(m_options.timeoutInSeconds),
+            QStringLiteral("The host would hang."), debug);
+    } else if (last.startsWith(QLatin1String("threw"))) {
+        result.result = QStringLiteral("threw");
+        add(Code::ProbeThrew, running.job, QStringLiteral("It threw %1.").arg(result.detail), ends, debug);
+    } else if (process.exitStatus() == QProcess::CrashExit) {
+        result.result = QStringLiteral("crashed");
+        result.detail = signalText(process.exitCode());
+        add(Code::ProbeCrashed, running.job,
+            QStringLiteral("The process that loaded it crashed: %1.").arg(result.detail), ends, debug);
+    } else if (last.startsWith(QLatin1String("failed"))) {
+        result.result = QStringLiteral("failed");
+        add(Code::ProbeFailed, running.job, result.detail, isRefused,
+            QStringLiteral("See docs/troubleshooting.md for what this reason means."));
+    } else if (last.startsWith(QLatin1String("lacks"))) {
+        add(Code::ProbeInterface, running.job,
+            QStringLiteral("Its root object does not implement %1.").arg(result.detail),
+            last.contains(QLatin1String("PluginInterface"))
+                ? QStringLiteral("The manager drops the plug-in, and logs nothing.")
+                : QStringLiteral("The host ends with a fatal error."),
+            QStringLiteral("Derive its class from the interface, and build it with the headers of the host's "
+                           "pluginManger."));
+    } else if (last != QLatin1String("done")) {
+        result.result = QStringLiteral("exited");
+        result.detail = QStringLiteral("status %1").arg(process.exitCode());
+        add(Code::ProbeExited, running.job,
+            QStringLiteral("The process that loaded it ended with status %1.").arg(process.exitCode()), ends,
+            debug);
+    }
+    running.job.plugin->probe = result;
+}
+
+void Runner::add(Code code, const Job &job, const QString &message, const QString &consequence,
+                 const QString &advice)
+{
+    m_report.add({code,
+                  job.configuration->file,
+                  job.plugin->name,
+                  job.plugin->library,
+                  {},
+                  message,
+                  consequence,
+                  advice});
+}
+
+void Runner::showProgress(const QString &name) const
+{
+    if (m_showsProgress)
+        std::fprintf(stderr, "\r\x1b[KProbing %d of %d: %s", m_next, int(m_jobs.size()), qPrintable(name));
+}
+
+}
+
+void probeLibraries(const QVector<Configuration> &configurations, const Options &options, Report &report)
+{
+    const QTemporaryDir directory;
+    QVector<Job> jobs;
+    for (int i = 0; i < configurations.size(); ++i) {
+        for (PluginReport &plugin : report.configurations[i].plugins) {
+            if (plugin.library.isEmpty())
+                continue;
+            const LibraryFile::Format format = formatOfFile(plugin.library);
+            if (format != LibraryFile::Format::None && format != nativeFormat) {
+                report.leaveOut(QStringLiteral("Libraries for another system were not probed."));
+                continue;
+            }
+            jobs.append({&configurations.at(i), &plugin, directory.filePath(QString::number(jobs.size()))});
+        }
+    }
+    Runner(options, report).run(jobs);
+}
+
+}

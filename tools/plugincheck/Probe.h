@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Options.h"
+
+namespace PluginCheck {
+
+/// The option by which this program calls itself to load one library.
+inline constexpr char probeOption[] = "--probe-library";
+
+/**
+ * Loads the library of each plug-in that was found in a process of its own, as its manager would, and adds
+ * what became of it to the report. Needs an event loop's thread, that is a QCoreApplication.
+ */
+void probeLibraries(const QVector<Configuration> &configurations, const Options &options, Report &report);
+
+/// What the process does that loads a library. Returns the exit status.
+int runProbe(int argc, char **argv);
+
+}

@@ -1,0 +1,145 @@
+#include "Report.h"
+
+#include <QtCore/QJsonArray>
+
+#include <algorithm>
+
+namespace PluginCheck {
+
+namespace {
+
+constexpr int nothingWrong = 0;
+constexpr int somethingFound = 1;
+constexpr int notRead = 3;
+
+QJsonObject toJson(const Finding &finding)
+{
+    const Check &check = checkOf(finding.code);
+    QJsonObject object{{"code", check.name},
+                       {"severity", nameOf(check.severity)},
+                       {"configuration", finding.configuration},
+                       {"plugin", finding.plugin},
+                       {"file", finding.file},
+                       {"line", finding.place.line},
+                       {"column", finding.place.column},
+                       {"message", finding.message},
+                       {"consequence", finding.consequence},
+                       {"advice", finding.advice}};
+    if (finding.sourceColumn > 0)
+        object.insert("source", finding.source);
+    return object;
+}
+
+QJsonObject toJson(const PluginReport &plugin, const QString &state)
+{
+    QJsonArray dependencies;
+    for (const DependencyReport &dependency : plugin.dependencies) {
+        dependencies.append(QJsonObject{
+            {"name", dependency.name}, {"version", dependency.version}, {"state", dependency.state}});
+    }
+    QJsonObject object{{"name", plugin.name}, {"version", plugin.version},
+                       {"line", plugin.line}, {"library", plugin.library},
+                       {"state", state},      {"dependencies", dependencies}};
+    if (plugin.probe) {
+        object.insert("probe", QJsonObject{{"result", plugin.probe->result},
+                                           {"detail", plugin.probe->detail},
+                                           {"output", plugin.probe->output}});
+    }
+    return object;
+}
+
+using Plugin = QPair<QString, QString>;
+
+}
+
+void Report::add(const Finding &finding)
+{
+    const Check &check = checkOf(finding.code);
+    ++m_counts[static_cast<std::size_t>(check.severity)];
+    m_couldNotRead = m_couldNotRead || finding.code == Code::ConfigUnreadable;
+    int &count = m_countsByKind[{finding.configuration, int(finding.code)}];
+    if (++count <= mostOfOneKind)
+        m_findings.append(finding);
+}
+
+void Report::leaveOut(const QString &what)
+{
+    if (!m_leftOut.contains(what))
+        m_leftOut.append(what);
+}
+
+int Report::pluginCount() const
+{
+    int count = 0;
+    for (const ConfigurationReport &configuration : configurations)
+        count += int(configuration.plugins.size());
+    return count;
+}
+
+void Report::finish()
+{
+    QStringList unlisted;
+    for (auto kind = m_countsByKind.constBegin(); kind != m_countsByKind.constEnd(); ++kind) {
+        if (*kind > mostOfOneKind) {
+            unlisted.append(
+                QStringLiteral("%1: %2 findings of %3 beyond the first %4 are counted, but not listed")
+                    .arg(kind.key().first)
+                    .arg(*kind - mostOfOneKind)
+                    .arg(QLatin1String(checkOf(Code(kind.key().second)).name))
+                    .arg(mostOfOneKind));
+        }
+    }
+    unlisted.sort();
+    m_leftOut += unlisted;
+}
+
+QJsonObject Report::toJson() const
+{
+    QHash<Plugin, Severity> worst;
+    QJsonArray findings;
+    for (const Finding &finding : m_findings) {
+        const Severity severity = checkOf(finding.code).severity;
+        const Plugin plugin(finding.configuration, finding.plugin);
+        const auto known = worst.constFind(plugin);
+        if (known == worst.constEnd() || *known < severity)
+            worst.insert(plugin, severity);
+        findings.append(PluginCheck::toJson(finding));
+    }
+
+    QJsonArray all;
+    for (const ConfigurationReport &configuration : configurations) {
+        QJsonArray plugins;
+        for (const PluginReport &plugin : configuration.plugins) {
+            const auto severity = worst.constFind({configuration.file, plugin.name});
+            plugins.append(PluginCheck::toJson(plugin, severity == worst.constEnd() ? QStringLiteral("good")
+                                                                                    : nameOf(*severity)));
+        }
+        QJsonArray cycles;
+        for (const QStringList &cycle : configuration.cycles)
+            cycles.append(QJsonArray::fromStringList(cycle));
+        all.append(QJsonObject{{"file", configuration.file},
+                               {"set", configuration.set},
+                               {"plugins", plugins},
+                               {"cycles", cycles}});
+    }
+
+    return {{"format", 1},
+            {"tool", QJsonObject{{"name", "plugincheck"}, {"version", PLUGINCHECK_VERSION}}},
+            {"leftOut", QJsonArray::fromStringList(m_leftOut)},
+            {"configurations", all},
+            {"findings", findings},
+            {"summary", QJsonObject{{"plugins", pluginCount()},
+                                    {"errors", count(Severity::Error)},
+                                    {"warnings", count(Severity::Warning)},
+                                    {"notes", count(Severity::Note)}}}};
+}
+
+int exitStatus(const Report &report, bool strict)
+{
+    if (report.couldNotRead())
+        return notRead;
+    const bool failed = report.count(Severity::Error) > 0 || (strict && report.count(Severity::Warning) > 0);
+    return failed ? somethingFound : nothingWrong;
+}
+
+}

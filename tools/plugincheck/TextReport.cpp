@@ -1,0 +1,147 @@
+#include "TextReport.h"
+
+#include <algorithm>
+
+namespace PluginCheck {
+
+namespace {
+
+constexpr int indent = 11;
+constexpr int width = 96;
+
+/// Texts with the colours of a terminal, or without.
+class Painter
+{
+public:
+    explicit Painter(bool inColor)
+        : m_inColor(inColor)
+    {
+    }
+
+    QString bold(const QString &text) const { return painted("1", text); }
+    QString faint(const QString &text) const { return painted("2", text); }
+    QString good(const QString &text) const { return painted("32", text); }
+
+    QString severity(Severity severity, const QString &text) const
+    {
+        const char *const colours[] = {"36", "33", "1;31"};
+        return painted(colours[static_cast<std::size_t>(severity)], text);
+    }
+
+private:
+    QString painted(const char *code, const QString &text) const
+    {
+        return m_inColor ? QStringLiteral("\x1b[%1m%2\x1b[0m").arg(QLatin1String(code), text) : text;
+    }
+
+    const bool m_inColor;
+};
+
+/// Breaks a text between words. Lines after the first are indented.
+QString wrapped(const QString &text)
+{
+    QString result;
+    int column = indent;
+    for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
+        if (column > indent && column + 1 + word.size() > width) {
+            result += '\n' + QString(indent, ' ');
+            column = indent;
+        } else if (column > indent) {
+            result += ' ';
+            ++column;
+        }
+        result += word;
+        column += int(word.size());
+    }
+    return result;
+}
+
+QString placeText(const Finding &finding)
+{
+    if (finding.place.line == 0)
+        return finding.file;
+    return QStringLiteral("%1:%2:%3").arg(finding.file).arg(finding.place.line).arg(finding.place.column);
+}
+
+QString findingText(const Finding &finding, const Painter &paint)
+{
+    const Check &check = checkOf(finding.code);
+    const QString margin(indent, ' ');
+    const QString severity = nameOf(check.severity);
+    QString text =
+        QStringLiteral("  %1%2%3 %4\n")
+            .arg(paint.severity(check.severity, severity), QString(indent - 2 - severity.size(), ' '),
+                 wrapped(finding.message), paint.faint('[' + QLatin1String(check.name) + ']'));
+    if (finding.sourceColumn > 0) {
+        text += margin + QStringLiteral("| ") + finding.source + '\n';
+        text += margin + QStringLiteral("| ") + QString(finding.sourceColumn - 1, ' ')
+                + paint.severity(check.severity, QStringLiteral("^")) + '\n';
+    }
+    text += margin + paint.faint(placeText(finding)) + '\n';
+    text += margin + wrapped(finding.consequence) + '\n';
+    text += margin + paint.bold(QStringLiteral("-> ")) + wrapped(finding.advice) + '\n';
+    return text;
+}
+
+QString counted(int count, const char *singular, const char *plural)
+{
+    return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? singular : plural));
+}
+
+QString summary(const Report &report, const Painter &paint)
+{
+    const int errors = report.count(Severity::Error);
+    const int warnings = report.count(Severity::Warning);
+    const int notes = report.count(Severity::Note);
+    const QString plugins = counted(report.pluginCount(), "plug-in", "plug-ins");
+    const QString configurations =
+        counted(int(report.configurations.size()), "configuration file", "configuration files");
+    if (errors + warnings + notes == 0)
+        return paint.good(QStringLiteral("Nothing wrong"))
+               + QStringLiteral(" with %1 in %2.\n").arg(plugins, configurations);
+    QStringList parts{
+        paint.severity(errors ? Severity::Error : Severity::Note, counted(errors, "error", "errors")),
+        counted(warnings, "warning", "warnings")};
+    if (notes > 0)
+        parts.append(counted(notes, "note", "notes"));
+    return QStringLiteral("%1; %2 checked. plugincheck --explain CODE tells more.\n")
+        .arg(parts.join(QStringLiteral(", ")), plugins);
+}
+
+}
+
+QString textReport(const Report &report, bool inColor)
+{
+    const Painter paint(inColor);
+    // In the order in which they were found first: by configuration file, then by plug-in.
+    QVector<QPair<QString, QString>> order;
+    QHash<QPair<QString, QString>, QVector<const Finding *>> groups;
+    for (const Finding &finding : report.findings()) {
+        const QPair<QString, QString> group(finding.configuration, finding.plugin);
+        if (!groups.contains(group))
+            order.append(group);
+        groups[group].append(&finding);
+    }
+    std::stable_sort(order.begin(), order.end(), [&](const auto &left, const auto &right) {
+        return left.first == right.first && left.second.isEmpty() && !right.second.isEmpty();
+    });
+
+    QString text;
+    QString configuration;
+    for (const QPair<QString, QString> &group : qAsConst(order)) {
+        if (group.first != configuration) {
+            configuration = group.first;
+            text += paint.bold(configuration) + '\n';
+        }
+        if (!group.second.isEmpty())
+            text += ' ' + paint.bold(group.second) + '\n';
+        for (const Finding *const finding : groups.value(group))
+            text += findingText(*finding, paint);
+        text += '\n';
+    }
+    for (const QString &leftOut : report.leftOut())
+        text += QStringLiteral("Left out: ") + leftOut + '\n';
+    return text + summary(report, paint);
+}
+
+}
