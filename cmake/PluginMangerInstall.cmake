@@ -52,6 +52,17 @@ install(DIRECTORY tools/newPlugin
     COMPONENT tools
     PATTERN "pluginmanger-new-plugin*" EXCLUDE)
 
+if(PLUGINMANGER_BUILD_TOOLS)
+    install(TARGETS plugincheck RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    install(FILES schema/plugincheck-report.schema.json DESTINATION ${dataDir} COMPONENT tools)
+    configure_file(tools/plugincheck/plugincheck.1.in ${PROJECT_BINARY_DIR}/plugincheck.1 @ONLY)
+    if(UNIX AND NOT PLUGINMANGER_DEBIAN_FILES)
+        install(FILES ${PROJECT_BINARY_DIR}/plugincheck.1
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+            COMPONENT tools)
+    endif()
+endif()
+
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT examples)
 install(DIRECTORY tests/package/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT examples)
 install(FILES README.md README.zh-CN.md CHANGELOG.md

@@ -35,7 +35,8 @@ ${description}
 This package has what is needed to build hosts and plug-ins.")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "plug-in manager for CAM applications (tools)
 ${description}
-This package has pluginmanger-new-plugin, which writes new plug-ins.")
+This package has plugincheck, which says why a set of plug-ins does not load, and pluginmanger-new-plugin, which
+writes new plug-ins.")
 set(CPACK_DEBIAN_DOC_DESCRIPTION "plug-in manager for CAM applications (documentation)
 ${description}
 This package has the documentation, and the sources of examples.")
@@ -52,7 +53,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "pluginmanger-doc, pluginmanger-to
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME pluginmanger-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "cmake (>= 3.20)")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "libpluginmanger-dev")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "libpluginmanger-dev, graphviz")
 
 set(CPACK_DEBIAN_DOC_PACKAGE_NAME pluginmanger-doc)
 set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
@@ -65,6 +66,12 @@ if(PLUGINMANGER_DEBIAN_FILES)
     set(changeLog ${PROJECT_BINARY_DIR}/packaging/changelog.Debian)
     configure_file(packaging/changelog.in ${changeLog} @ONLY)
     execute_process(COMMAND ${GZIP} --best --no-name --force ${changeLog} COMMAND_ERROR_IS_FATAL ANY)
+    if(PLUGINMANGER_BUILD_TOOLS)
+        set(manual ${PROJECT_BINARY_DIR}/packaging/plugincheck.1)
+        file(COPY ${PROJECT_BINARY_DIR}/plugincheck.1 DESTINATION ${PROJECT_BINARY_DIR}/packaging)
+        execute_process(COMMAND ${GZIP} --best --no-name --force ${manual} COMMAND_ERROR_IS_FATAL ANY)
+        install(FILES ${manual}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    endif()
     foreach(component runtime development tools documentation)
         string(TOUPPER ${component} COMPONENT)
         string(REPLACE DOCUMENTATION DOC group ${COMPONENT})

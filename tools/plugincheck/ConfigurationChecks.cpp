@@ -163,10 +163,15 @@ QString ConfigurationCheck::entryText(int index) const
 void ConfigurationCheck::checkEntry(int index)
 {
     const Entry &entry = m_configuration.entries.at(index);
+    if (entry.name.isEmpty()) {
+        add(Code::NameEmpty, {}, entry.places.name,
+            QStringLiteral("%1 has no name, an empty one, or one that is no text.").arg(entryText(index)),
+            QStringLiteral("The manager tries to load a library \".dll\", fails, and shows a message box."),
+            QStringLiteral("Give the entry its name, or take it out."));
+        return;
+    }
     if (!m_configuration.counts(index)) {
         const Entry &winner = m_configuration.entries.at(m_configuration.entryOfName.value(entry.name));
-        if (entry.name.isEmpty())
-            return;
         add(Code::DuplicateName, entry.name, entry.places.name,
             QStringLiteral("\"%1\" is listed again in line %2.")
                 .arg(shown(entry.name))
@@ -178,14 +183,7 @@ void ConfigurationCheck::checkEntry(int index)
             QStringLiteral("Take one of them out."));
         return;
     }
-    if (entry.name.isEmpty()) {
-        add(Code::NameEmpty, {}, entry.places.name,
-            QStringLiteral("%1 has no name, an empty one, or one that is no text.").arg(entryText(index)),
-            QStringLiteral("The manager tries to load a library \".dll\", fails, and shows a message box."),
-            QStringLiteral("Give the entry its name, or take it out."));
-    } else {
-        checkName(entry);
-    }
+    checkName(entry);
     checkVersion(entry);
     for (int i = 0; i < entry.dependencies.size(); ++i)
         checkDependency(index, i, m_dependencies.states.at(index).at(i));

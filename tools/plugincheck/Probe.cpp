@@ -55,8 +55,9 @@ struct Running
 class Runner
 {
 public:
-    Runner(const Options &options, Report &report)
+    Runner(const Options &options, const QString &directory, Report &report)
         : m_options(options)
+        , m_directory(directory)
         , m_report(report)
         , m_showsProgress(errorsGoToTerminal())
     {
@@ -76,6 +77,7 @@ private:
     QProcessEnvironment environment() const;
 
     const Options &m_options;
+    const QString m_directory;
     Report &m_report;
     const bool m_showsProgress;
     QVector<Job> m_jobs;
@@ -120,6 +122,9 @@ QProcessEnvironment Runner::environment() const
         directories.append(before);
     result.insert(variable, directories.join(QDir::listSeparator()));
     result.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    // Qt says so when there is none, which is nothing that a library has written.
+    if (!result.contains(QStringLiteral("XDG_RUNTIME_DIR")))
+        result.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_directory);
     return result;
 }
 
@@ -275,7 +280,7 @@ void probeLibraries(const QVector<Configuration> &configurations, const Options 
             jobs.append({&configurations.at(i), &plugin, directory.filePath(QString::number(jobs.size()))});
         }
     }
-    Runner(options, report).run(jobs);
+    Runner(options, directory.path(), report).run(jobs);
 }
 
 }

@@ -1,0 +1,387 @@
+#include "ConfigurationChecks.h"
+#include "Dependencies.h"
+#include "openbase.h"
+#include "testfiles.h"
+#include "testmain.h"
+
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QTemporaryDir>
+
+using namespace PluginCheck;
+
+namespace {
+
+Report check(const QByteArray &json, Set set)
+{
+    Report report;
+    QVector<Configuration> configurations;
+    std::optional<Configuration> configuration = parseConfiguration("set.json", set, json, report);
+    if (configuration)
+        configurations.append(*configuration);
+    checkConfigurations(configurations, report);
+    report.finish();
+    return report;
+}
+
+/// The findings as "code line:column plugin".
+QStringList found(const Report &report)
+{
+    QStringList lines;
+    for (const Finding &finding : report.findings())
+        lines.append(QStringLiteral("%1 %2:%3 %4")
+                         .arg(checkOf(finding.code).name)
+                         .arg(finding.place.line)
+                         .arg(finding.place.column)
+                         .arg(finding.plugin)
+                         .trimmed());
+    return lines;
+}
+
+QByteArray list(const char *entries)
+{
+    return QByteArray("{\"pluginList\": [\n") + entries + "\n]}";
+}
+
+}
+
+Q_DECLARE_METATYPE(PluginCheck::Set)
+
+/// What is said of configuration files.
+class tst_CheckConfiguration : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void findsFault_data();
+    void findsFault();
+    void acceptsTwin_data();
+    void acceptsTwin();
+    void tellsWhatTheManagerDoes_data();
+    void tellsWhatTheManagerDoes();
+    void syntaxErrorShowsItsLine();
+    void cycleHasItsWholeWay();
+    void dfmDependencyOnTheCamSetIsMet();
+    void agreesWithTheManagersCheck();
+    void manyEntriesTakeShort_data();
+    void manyEntriesTakeShort();
+    void deepNestingIsRefused();
+    void moreFindingsThanListedAreCounted();
+};
+
+void tst_CheckConfiguration::findsFault_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<Set>("set");
+    QTest::addColumn<QStringList>("expected");
+    const auto cam = [](const char *name, const char *entries, const QStringList &expected) {
+        QTest::newRow(name) << list(entries) << Set::Cam << expected;
+    };
+    QTest::newRow("not JSON") << list(R"({"name": "Matrix", "version": "1"},)") << Set::Cam
+                              << QStringList{"config-syntax 3:2"};
+    QTest::newRow("empty file") << QByteArray() << Set::Cam << QStringList{"config-syntax 1:1"};
+    QTest::newRow("UTF-16") << QByteArray("{\0}\0", 4) << Set::Cam << QStringList{"config-syntax 1:3"};
+    QTest::newRow("an array as root") << QByteArray("[]") << Set::Cam << QStringList{"config-list 1:1"};
+    QTest::newRow("list misspelled") << QByteArray("{\"pluginlist\": []}") << Set::Cam
+                                     << QStringList{"config-list 1:1"};
+    QTest::newRow("list is no array")
+        << QByteArray("{\"pluginList\": {}}") << Set::Cam << QStringList{"config-list 1:16"};
+    QTest::newRow("list is empty") << QByteArray("{\"pluginList\": []}") << Set::Cam
+                                   << QStringList{"config-list 1:16"};
+    cam("unknown key", R"({"name": "Matrix", "version": "1", "dependancies": []})",
+        {"config-schema 2:1 Matrix"});
+    cam("no version", R"({"name": "Matrix"})", {"config-schema 2:1 Matrix"});
+    cam("dependency without version",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "X"}]})",
+        {"config-schema 2:53 Matrix"});
+    cam("key twice", R"({"name": "Matrix", "version": "1", "version": "2"})", {"duplicate-key 2:36 Matrix"});
+    cam("key twice, once escaped", R"({"name": "Matrix", "version": "1", "\u0076ersion": "2"})",
+        {"duplicate-key 2:36 Matrix"});
+    QTest::newRow("list twice") << QByteArray(
+        "{\"pluginList\": [{\"name\": \"Graphic_Veiw\", \"version\": \"1\"}],\n"
+        " \"pluginList\": [{\"name\": \"Matrix\", \"version\": \"1\"}]}")
+                                << Set::Cam << QStringList{"duplicate-key 2:2"};
+    cam("name twice",
+        "{\"name\": \"Matrix\", \"version\": \"1\"},\n{\"name\": \"Matrix\", \"version\": \"2\"}",
+        {"duplicate-name 2:10 Matrix"});
+    cam("empty name", R"({"name": "", "version": "1"})", {"name-empty 2:10"});
+    cam("entry is no object", "7", {"name-empty 2:1"});
+    cam("name with suffix", R"({"name": "Matrix.dll", "version": "1"})", {"name-suffix 2:10 Matrix.dll"});
+    cam("name with folder", R"({"name": "a/Matrix", "version": "1"})", {"name-path 2:10 a/Matrix"});
+    cam("name with a folder of Windows", R"({"name": "a\\Matrix", "version": "1"})",
+        {"name-path 2:10 a\\Matrix"});
+    QTest::newRow("name with NUL") << list(R"({"name": "Matrix\u0000", "version": "1"})") << Set::Cam
+                                   << QStringList{QStringLiteral("name-control 2:10 Matrix") + QChar(0)};
+    cam("name with a blank at its end", R"({"name": "Matrix ", "version": "1"})",
+        {"name-control 2:10 Matrix"});
+    cam("name with other capitals", R"({"name": "MATRIX", "version": "1"})", {"name-near-miss 2:10 MATRIX"});
+    cam("name with letters swapped", R"({"name": "Graphic_Veiw", "version": "1"})",
+        {"name-near-miss 2:10 Graphic_Veiw"});
+    cam("name of a desktop tool", R"({"name": "File_Process", "version": "1"})",
+        {"name-near-miss 2:10 File_Process"});
+    QTest::newRow("desktop tool with other capitals")
+        << list(R"({"name": "Toolbar_Select", "version": "1"})") << Set::Desktop
+        << QStringList{"name-near-miss 2:10 Toolbar_Select"};
+    cam("number as version", R"({"name": "Matrix", "version": 2})", {"version-type 2:31 Matrix"});
+    cam("number required",
+        "{\"name\": \"Matrix\", \"version\": \"2\"},\n"
+        "{\"name\": \"Graphic_View\", \"version\": \"1\", \"dependencies\": [{\"name\": \"Matrix\", "
+        "\"version\": 2}]}",
+        {"version-type 3:89 Graphic_View"});
+    cam("dependency missing",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Matirx", "version": "1"}]})",
+        {"dependency-missing 2:62 Matrix"});
+    cam("dependency of another version",
+        "{\"name\": \"Matrix\", \"version\": \"2\"},\n"
+        "{\"name\": \"Graphic_View\", \"version\": \"1\", \"dependencies\": [{\"name\": \"Matrix\", "
+        "\"version\": \"2.0\"}]}",
+        {"dependency-version 3:89 Graphic_View"});
+    cam("dependency on itself",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Matrix", "version": "1"}]})",
+        {"dependency-self 2:62 Matrix"});
+    cam("cycle",
+        "{\"name\": \"Matrix\", \"version\": \"1\", \"dependencies\": [{\"name\": \"Graphic_View\", "
+        "\"version\": \"1\"}]},\n"
+        "{\"name\": \"Graphic_View\", \"version\": \"1\", \"dependencies\": [{\"name\": \"Matrix\", "
+        "\"version\": \"1\"}]}",
+        {"dependency-cycle 2:62 Matrix"});
+    QTest::newRow("dependency in the DFM file") << list(
+        R"({"name": "DFM_MenuBar_View", "version": "1", "dependencies": [{"name": "X", "version": "1"}]})")
+                                                << Set::Dfm
+                                                << QStringList{"dependency-ignored 2:72 DFM_MenuBar_View"};
+}
+
+void tst_CheckConfiguration::findsFault()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(Set, set);
+    QFETCH(QStringList, expected);
+    const Report report = check(json, set);
+    QStringList wanted;
+    for (const QString &line : expected)
+        wanted.append(line);
+    QCOMPARE(found(report), wanted);
+    const bool isError = checkOf(report.findings().first().code).severity == Severity::Error;
+    QCOMPARE(exitStatus(report, false), isError ? 1 : 0);
+    QCOMPARE(exitStatus(report, true), 1);
+    for (const Finding &finding : report.findings()) {
+        QVERIFY(!finding.message.isEmpty());
+        QVERIFY(!finding.consequence.isEmpty());
+        QVERIFY(!finding.advice.isEmpty());
+    }
+}
+
+void tst_CheckConfiguration::acceptsTwin_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<Set>("set");
+    const auto cam = [](const char *name, const char *entries) {
+        QTest::newRow(name) << list(entries) << Set::Cam;
+    };
+    cam("JSON", R"({"name": "Matrix", "version": "1"})");
+    QTest::newRow("with a byte order mark")
+        << QByteArray("\xef\xbb\xbf") + list(R"({"name": "Matrix", "version": "1"})") << Set::Cam;
+    cam("all keys", R"({"name": "Matrix", "version": "1", "dependencies": []})");
+    cam("key of another object",
+        R"({"name": "Matrix", "version": "1"}, {"name": "Graphic_View", "version": "1"})");
+    QTest::newRow("something else in the root")
+        << QByteArray(R"({"comment": {"pluginList": 1}, "pluginList": [{"name": "Matrix", "version": "1"}]})")
+        << Set::Cam;
+    cam("name that nothing asks for, and like none", R"({"name": "Own_Things", "version": "1"})");
+    cam("name like another that is listed, too",
+        R"({"name": "Graphic_View", "version": "1"}, {"name": "Graphic_View2", "version": "1"})");
+    QTest::newRow("desktop tool") << list(R"({"name": "ToolBar_Select", "version": "1"})") << Set::Desktop;
+    cam("name of both managers", R"({"name": "ListBar_PNList", "version": "1"})");
+    cam("dependencies met",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Graphic_View", "version": "1"}]},
+           {"name": "Graphic_MiniMap", "version": "1", "dependencies": [{"name": "Matrix", "version": "1"},
+            {"name": "Graphic_View", "version": "1"}]}, {"name": "Graphic_View", "version": "1"})");
+    QTest::newRow("dependency met in the DFM file") << list(R"({"name": "DFM_MenuBar_View", "version": "1",
+                    "dependencies": [{"name": "DFM_MenuBar_Edit", "version": "1"}]},
+                   {"name": "DFM_MenuBar_Edit", "version": "1"})")
+                                                    << Set::Dfm;
+}
+
+void tst_CheckConfiguration::acceptsTwin()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(Set, set);
+    const Report report = check(json, set);
+    QCOMPARE(found(report), QStringList());
+    QCOMPARE(exitStatus(report, true), 0);
+}
+
+void tst_CheckConfiguration::tellsWhatTheManagerDoes_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("consequence");
+    QTest::newRow("as listed")
+        << "Matrix"
+        << "The manager loads the plug-in all the same: it looks dependencies up under "
+           "\"Matrix.dll\", and the list has \"Matrix\".";
+    QTest::newRow("under the file name")
+        << "Matrix.dll"
+        << "The manager refuses to load \"Matrix\": it looks dependencies up under the file name "
+           "\"Matrix.dll\", which is this entry.";
+}
+
+/// A dependency counts for the manager only in an entry that has the file's name.
+void tst_CheckConfiguration::tellsWhatTheManagerDoes()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, consequence);
+    QJsonArray entries{TestFiles::entry(name, "1", {TestFiles::dependency("Absent", "1")})};
+    if (name.endsWith(".dll"))
+        entries.append(TestFiles::entry("Matrix", "1"));
+    const QByteArray json = TestFiles::config(entries);
+    const Report report = check(json, Set::Cam);
+    const auto finding =
+        std::find_if(report.findings().begin(), report.findings().end(),
+                     [](const Finding &candidate) { return candidate.code == Code::DependencyMissing; });
+    QVERIFY(finding != report.findings().end());
+    QCOMPARE(finding->consequence, consequence);
+
+    QTemporaryDir directory;
+    TestFiles::write(directory.filePath("set.json"), json);
+    QTPluginsMangerPrivate tables;
+    OpenBase().readPluginConfig(tables, directory.filePath("set.json"));
+    QCOMPARE(tables.check("Matrix.dll"), !name.endsWith(".dll"));
+}
+
+void tst_CheckConfiguration::syntaxErrorShowsItsLine()
+{
+    const Report report = check("{\n\t\"pluginList\": [ 'x' ]\n}", Set::Cam);
+    QCOMPARE(found(report), QStringList{"config-syntax 2:18"});
+    QCOMPARE(report.findings().first().source, QStringLiteral(" \"pluginList\": [ 'x' ]"));
+    QCOMPARE(report.findings().first().sourceColumn, 18);
+    QCOMPARE(report.findings().first().advice, QStringLiteral("Texts stand in double quotes."));
+}
+
+void tst_CheckConfiguration::cycleHasItsWholeWay()
+{
+    const auto needs = [](const char *name, const char *other) {
+        return TestFiles::entry(name, "1", {TestFiles::dependency(other, "1")});
+    };
+    const Report report = check(
+        TestFiles::config({needs("A", "B"), needs("B", "C"), needs("C", "A"), needs("D", "A")}), Set::Cam);
+    QCOMPARE(report.findings().size(), 1);
+    QCOMPARE(report.findings().first().message,
+             QStringLiteral("The dependencies form a circle: A -> B -> C -> A."));
+    QCOMPARE(report.configurations.first().cycles, (QVector<QStringList>{{"A", "B", "C", "A"}}));
+    QCOMPARE(QByteArray(report.configurations.first().plugins.last().dependencies.first().state),
+             QByteArray("met"));
+}
+
+void tst_CheckConfiguration::dfmDependencyOnTheCamSetIsMet()
+{
+    const QByteArray cam = TestFiles::config({TestFiles::entry("Matrix", "1")});
+    const QByteArray dfm = TestFiles::config(
+        {TestFiles::entry("DFM_MenuBar_View", "1", {TestFiles::dependency("Matrix", "1")})});
+    Report report;
+    checkConfigurations({*parseConfiguration("dfm.json", Set::Dfm, dfm, report),
+                         *parseConfiguration("cam.json", Set::Cam, cam, report)},
+                        report);
+    QCOMPARE(found(report), QStringList());
+}
+
+/// Random sets, some listed under file names, so that the manager does look at their dependencies.
+void tst_CheckConfiguration::agreesWithTheManagersCheck()
+{
+    QTemporaryDir directory;
+    const QString file = directory.filePath("set.json");
+    QRandomGenerator random(20231121);
+    const QJsonArray versions{"1", "2.0", 2, 1, true, QJsonValue()};
+    const auto version = [&] { return versions.at(int(random.bounded(100)) < 70 ? 0 : random.bounded(6)); };
+    int refused = 0;
+    for (int round = 0; round < 300; ++round) {
+        const int count = 1 + random.bounded(8);
+        QJsonArray entries;
+        for (int i = 0; i < count; ++i) {
+            QJsonArray dependencies;
+            for (int j = random.bounded(3); j > 0; --j)
+                dependencies.append(
+                    TestFiles::dependency(QString::number(random.bounded(count + 1)), version()));
+            entries.append(TestFiles::entry(QString::number(random.bounded(count)), version(), dependencies));
+        }
+        const QByteArray json = TestFiles::config(entries);
+        TestFiles::write(file, json);
+        QTPluginsMangerPrivate tables;
+        OpenBase().readPluginConfig(tables, file);
+
+        Report report;
+        const Configuration configuration = *parseConfiguration(file, Set::Cam, json, report);
+        const DependencyResults results = checkDependencies(configuration);
+        for (int i = 0; i < configuration.entries.size(); ++i) {
+            if (!configuration.counts(i))
+                continue;
+            refused += results.sound.at(i) ? 0 : 1;
+            if (results.sound.at(i) != tables.check(configuration.entries.at(i).name))
+                QFAIL(json + configuration.entries.at(i).name.toUtf8());
+        }
+    }
+    QVERIFY(refused > 100);
+}
+
+void tst_CheckConfiguration::manyEntriesTakeShort_data()
+{
+    QTest::addColumn<int>("shape");
+    QTest::newRow("one long chain") << 0;
+    QTest::newRow("one long circle") << 1;
+    QTest::newRow("all dependencies missing") << 2;
+    QTest::newRow("all names misspelled") << 3;
+}
+
+/// Here only that no cost grows with the square of their number; benchmarks measure it.
+void tst_CheckConfiguration::manyEntriesTakeShort()
+{
+    QFETCH(int, shape);
+    constexpr int count = 20000;
+    QByteArray json = "{\"pluginList\": [";
+    for (int i = 0; i < count; ++i) {
+        const int next = shape == 0 && i + 1 == count ? -1 : (i + 1) % count;
+        json +=
+            QStringLiteral(
+                R"(%1{"name": "%2%3", "version": "1", "dependencies": [{"name": "%4%5", "version": "1"}]})")
+                .arg(i ? "," : "", shape == 3 ? "Graphic_Veiw" : "Plugin")
+                .arg(i)
+                .arg(shape == 2 ? "Absent" : (shape == 3 ? "Graphic_Veiw" : "Plugin"))
+                .arg(next)
+                .toUtf8();
+    }
+    json += "]}";
+    QElapsedTimer timer;
+    timer.start();
+    const Report report = check(json, Set::Cam);
+    QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(report.pluginCount(), count);
+    QVERIFY(report.count(Severity::Error) + report.count(Severity::Warning) > 0);
+}
+
+void tst_CheckConfiguration::deepNestingIsRefused()
+{
+    const Report report = check(QByteArray(1000000, '['), Set::Cam);
+    QCOMPARE(report.findings().size(), 1);
+    QCOMPARE(report.findings().first().advice,
+             QStringLiteral("Take the nested arrays and objects out; more than 1024 levels are not read."));
+    // What the parser does not read must not hurt the scanner either.
+    QVERIFY(placesIn(QByteArray(1000000, '[')).entries.isEmpty());
+}
+
+void tst_CheckConfiguration::moreFindingsThanListedAreCounted()
+{
+    QJsonArray entries;
+    for (int i = 0; i < Report::mostOfOneKind + 5; ++i)
+        entries.append(TestFiles::entry(QString(), "1"));
+    const Report report = check(TestFiles::config(entries), Set::Cam);
+    QCOMPARE(report.count(Severity::Error), Report::mostOfOneKind + 5);
+    QCOMPARE(report.findings().size(), Report::mostOfOneKind);
+    QCOMPARE(report.leftOut(),
+             QStringList{"set.json: 5 findings of name-empty beyond the first 1000 are counted, "
+                         "but not listed"});
+}
+
+int main(int argc, char **argv)
+{
+    return runTest<tst_CheckConfiguration>(argc, argv);
+}
+
+#include "tst_checkconfiguration.moc"

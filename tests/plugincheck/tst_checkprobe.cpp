@@ -1,0 +1,131 @@
+#include "testfiles.h"
+#include "testmain.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QTemporaryDir>
+
+namespace {
+
+/// What the program says of a set, as its JSON report.
+QJsonObject probe(const QString &configuration, const QStringList &directories, const QStringList &options,
+                  int *exitCode)
+{
+    QStringList arguments{configuration, "--format", "json", "--probe"};
+    for (const QString &directory : directories)
+        arguments << "--library-dir" << directory;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("ASAN_OPTIONS", "detect_leaks=0:handle_segv=0:handle_abort=0");
+    process.setProcessEnvironment(environment);
+    process.start(PLUGINCHECK, arguments + options);
+    process.waitForFinished(60000);
+    *exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+}
+
+QStringList codes(const QJsonObject &report)
+{
+    QStringList all;
+    for (const QJsonValue &finding : report["findings"].toArray())
+        all.append(finding["code"].toString());
+    return all;
+}
+
+}
+
+/// What is said of libraries that are loaded in processes of their own.
+class tst_CheckProbe : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void tellsWhatBecameOfALibrary_data();
+    void tellsWhatBecameOfALibrary();
+    void oneBadLibraryStopsNoOther();
+
+private:
+    QTemporaryDir m_directory;
+};
+
+void tst_CheckProbe::init()
+{
+    QVERIFY(m_directory.isValid());
+}
+
+void tst_CheckProbe::tellsWhatBecameOfALibrary_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("set");
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QString>("detail");
+    const auto row = [](const char *name, const char *file, const char *set, const char *code,
+                        const char *result, const char *detail = "") {
+        QTest::newRow(name) << QString(file) << QString(set) << QString(code) << QString(result)
+                            << QString(detail);
+    };
+    row("loads", CHECKED_DIR "/good/Graphic_View.dll", "cam", "", "loaded");
+    row("crashes", CHECKED_DIR "/crashing/Graphic_View.dll", "cam", "probe-crashed", "crashed", "signal 11");
+    row("aborts", CHECKED_DIR "/aborting/Graphic_View.dll", "cam", "probe-crashed", "crashed", "signal 6");
+    row("hangs", CHECKED_DIR "/hanging/Graphic_View.dll", "cam", "probe-hung", "hung",
+        "no end after 2 seconds");
+    row("exits", CHECKED_DIR "/exiting/Graphic_View.dll", "cam", "probe-exited", "exited", "status 42");
+    row("throws", CHECKED_DIR "/throwing/Graphic_View.dll", "cam", "probe-threw", "threw", "no licence");
+    row("needs what is missing", FIXTURE_DIR "/missing_needed_library/Missing_Needed_Library.dll", "cam",
+        "probe-failed", "failed", "Cannot load library");
+    row("tool loads", FIXTURE_DIR "/desktop/File_Process.dll", "desktop", "", "loaded");
+    row("no PluginInterface", FIXTURE_DIR "/not_a_plugin_interface/Not_A_Plugin_Interface.dll", "desktop",
+        "probe-interface", "loaded", "pluginManger.PluginInterface/1.0");
+}
+
+void tst_CheckProbe::tellsWhatBecameOfALibrary()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, set);
+    QFETCH(QString, code);
+    QFETCH(QString, result);
+    QFETCH(QString, detail);
+    const QString configuration = m_directory.filePath("set.json");
+    TestFiles::write(configuration, TestFiles::configOf({QFileInfo(file).completeBaseName()}));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {QFileInfo(file).path()},
+              {"--set", set, "--timeout", detail.contains("2 s") ? "2" : "50"}, &exitCode);
+    QStringList probed;
+    for (const QString &found : codes(report)) {
+        if (found.startsWith("probe-"))
+            probed.append(found);
+    }
+    QCOMPARE(probed, code.isEmpty() ? QStringList() : QStringList{code});
+    const QJsonObject outcome = report["configurations"][0]["plugins"][0]["probe"].toObject();
+    QCOMPARE(outcome["result"].toString(), result);
+    QVERIFY2(outcome["detail"].toString().startsWith(detail), qPrintable(outcome["detail"].toString()));
+    QCOMPARE(exitCode, code.isEmpty() ? 0 : 1);
+}
+
+void tst_CheckProbe::oneBadLibraryStopsNoOther()
+{
+    const QString folder = m_directory.filePath("plugins");
+    QVERIFY(QDir().mkpath(folder));
+    QFile::copy(CHECKED_DIR "/crashing/Graphic_View.dll", folder + "/Own_Crashing.dll");
+    QFile::copy(CHECKED_DIR "/exiting/Graphic_View.dll", folder + "/Own_Exiting.dll");
+    QFile::copy(CHECKED_DIR "/talking/Graphic_View.dll", folder + "/Own_Talking.dll");
+    const QString configuration = m_directory.filePath("several.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Crashing", "Own_Talking", "Own_Exiting"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {folder}, {"--set", "cam", "--jobs", "1"}, &exitCode);
+    const QJsonValue plugins = report["configurations"][0]["plugins"];
+    QCOMPARE(plugins[0]["probe"]["result"].toString(), QString("crashed"));
+    QCOMPARE(plugins[1]["probe"]["result"].toString(), QString("loaded"));
+    QCOMPARE(plugins[1]["probe"]["output"].toString(), QString("a word on loading"));
+    QCOMPARE(plugins[2]["probe"]["result"].toString(), QString("exited"));
+    QCOMPARE(exitCode, 1);
+}
+
+int main(int argc, char **argv)
+{
+    return runTest<tst_CheckProbe>(argc, argv);
+}
+
+#include "tst_checkprobe.moc"

@@ -1,0 +1,229 @@
+#include "Checks.h"
+#include "testfiles.h"
+#include "testmain.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QTemporaryDir>
+
+#include <valijson/adapters/qtjson_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validation_results.hpp>
+#include <valijson/validator.hpp>
+
+namespace {
+
+struct Result
+{
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+Result run(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(PLUGINCHECK, arguments);
+    process.waitForFinished(60000);
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+const QStringList exampleSets{EXAMPLE_DIR "/pluginconfig/pluginconfig.json",
+                              EXAMPLE_DIR "/pluginconfig/pluginconfig4CAM.json",
+                              EXAMPLE_DIR "/pluginconfig/pluginconfig4DFM.json"};
+
+}
+
+/// The program as it is called.
+class tst_CheckProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void exitStatusTellsWhatHappened_data();
+    void exitStatusTellsWhatHappened();
+    void everyCheckIsListedAndExplained();
+    void documentationHasTheTableOfChecks();
+    void exampleSetsHaveNoFinding();
+    void plantedFaultsAreFoundAndNothingElse();
+    void jsonReportKeepsItsSchema();
+    void textReportShowsPlaceAndAdvice();
+};
+
+void tst_CheckProgram::exitStatusTellsWhatHappened_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("error");
+    const QString example = exampleSets.first();
+    QTest::newRow("help") << QStringList{"--help"} << 0 << QByteArray();
+    QTest::newRow("version") << QStringList{"--version"} << 0 << QByteArray();
+    QTest::newRow("sound set") << QStringList{example} << 0 << QByteArray();
+    QTest::newRow("no arguments") << QStringList{} << 2 << QByteArray("no configuration file is given");
+    QTest::newRow("unknown option") << QStringList{"--colour"} << 2 << QByteArray("Unknown option 'colour'");
+    QTest::newRow("unknown set") << QStringList{example, "--set", "x"} << 2
+                                 << QByteArray("there is no set \"x\"");
+    QTest::newRow("name without set")
+        << QStringList{"own.json"} << 2 << QByteArray("the name of own.json does not tell its set");
+    QTest::newRow("unknown format") << QStringList{example, "--format", "x"} << 2
+                                    << QByteArray("there is no format \"x\"");
+    QTest::newRow("unknown code") << QStringList{"--explain", "x"} << 2
+                                  << QByteArray("there is no check \"x\"");
+    QTest::newRow("probe without folder")
+        << QStringList{example, "--probe"} << 2 << QByteArray("--probe needs --library-dir");
+    QTest::newRow("no jobs") << QStringList{example, "--jobs", "0"} << 2
+                             << QByteArray("--jobs takes a number");
+    QTest::newRow("no folder") << QStringList{example, "--library-dir", "/absent"} << 2
+                               << QByteArray("/absent is no folder");
+    QTest::newRow("missing file") << QStringList{"/absent/pluginconfig.json"} << 3 << QByteArray();
+    QTest::newRow("folder as file") << QStringList{EXAMPLE_DIR, "--set", "cam"} << 3 << QByteArray();
+    QTest::newRow("errors") << QStringList{example, "--library-dir", EXAMPLE_DIR} << 1 << QByteArray();
+}
+
+void tst_CheckProgram::exitStatusTellsWhatHappened()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    QFETCH(QByteArray, error);
+    const Result result = run(arguments);
+    QCOMPARE(result.exitCode, status);
+    QVERIFY2(result.errors.contains(error), result.errors);
+    QCOMPARE(result.output.isEmpty(), status == 2);
+    if (status == 3)
+        QVERIFY(result.output.contains("[config-unreadable]"));
+}
+
+void tst_CheckProgram::everyCheckIsListedAndExplained()
+{
+    const QByteArray list = run({"--list-checks"}).output;
+    QCOMPARE(list.count('\n'), int(PluginCheck::Code::Count));
+    for (const QByteArray &line : list.trimmed().split('\n')) {
+        const QString code = QString::fromLatin1(line).section(' ', 0, 0);
+        const Result explained = run({"--explain", code});
+        QCOMPARE(explained.exitCode, 0);
+        QVERIFY(explained.output.startsWith(code.toLatin1() + " ("));
+        QVERIFY(explained.output.count('\n') >= 3);
+    }
+}
+
+/// The table in the documentation is what the program itself says: plugincheck --check-table.
+void tst_CheckProgram::documentationHasTheTableOfChecks()
+{
+    QVERIFY(TestFiles::read(DOCUMENTATION).contains(run({"--check-table"}).output));
+}
+
+void tst_CheckProgram::exampleSetsHaveNoFinding()
+{
+#ifdef HAS_EXAMPLES
+    const Result result = run(exampleSets + QStringList{"--library-dir", EXAMPLE_PLUGIN_DIR, "--strict"});
+    QCOMPARE(result.output, QByteArray("Nothing wrong with 49 plug-ins in 3 configuration files.\n"));
+    QCOMPARE(result.exitCode, 0);
+#else
+    QSKIP("The examples are not built.");
+#endif
+}
+
+void tst_CheckProgram::plantedFaultsAreFoundAndNothingElse()
+{
+#ifdef HAS_EXAMPLES
+    QTemporaryDir directory;
+    const QString plugins = directory.filePath("plugins");
+    QVERIFY(QDir().mkpath(plugins));
+    for (const QFileInfo &file : QDir(EXAMPLE_PLUGIN_DIR).entryInfoList(QDir::Files))
+        QVERIFY(QFile::copy(file.filePath(), plugins + '/' + file.fileName()));
+    QVERIFY(QFile::remove(plugins + "/Graphic_MiniMap.dll"));
+    QVERIFY(QFile::resize(plugins + "/Matrix_ToolBar.dll", 20000));
+    QVERIFY(QFile::rename(plugins + "/Graphic_JobList.dll", plugins + "/Graphic_Joblist.dll"));
+    TestFiles::replace(plugins + "/Graphic_View.dll", CHECKED_DIR "/without_factory/Graphic_View.dll");
+
+    QByteArray json = TestFiles::read(exampleSets.at(1));
+    json.replace(R"("name": "Graphic_Tips", "version": "1.0.0")",
+                 R"("name": "Graphic_Tip", "version": "1.0.0")");
+    json.replace(R"("name": "Graphic_CamDI", "version": "1.0.0")",
+                 R"("name": "Graphic_CamDI", "version": "2.0.0")");
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, json);
+
+    const Result result = run({configuration, "--library-dir", plugins, "--format", "json"});
+    QCOMPARE(result.exitCode, 1);
+    QStringList found;
+    for (const QJsonValue &finding : QJsonDocument::fromJson(result.output)["findings"].toArray())
+        found.append(finding["code"].toString() + ' ' + finding["plugin"].toString());
+    found.sort();
+    // The version of Graphic_CamDI is changed where others need it, too, so that it is Graphic_Tip alone.
+    QCOMPARE(found, (QStringList{"factory-missing Graphic_View", "library-case Graphic_JobList",
+                                 "library-missing Graphic_MiniMap", "library-missing Graphic_Tip",
+                                 "library-truncated Matrix_ToolBar", "name-near-miss Graphic_Tip"}));
+#else
+    QSKIP("The examples are not built.");
+#endif
+}
+
+void tst_CheckProgram::jsonReportKeepsItsSchema()
+{
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(
+        configuration,
+        TestFiles::config({TestFiles::entry("Matrix", "1", {TestFiles::dependency("Matrix", "1")}),
+                           TestFiles::entry("Graphic_View", "1", {TestFiles::dependency("X", "1")})}));
+    const QString broken = directory.filePath("pluginconfig4DFM.json");
+    TestFiles::write(broken, "{");
+    const Result result =
+        run({configuration, broken, "--format", "json", "--probe", "--library-dir", CHECKED_DIR "/good"});
+
+    const QJsonValue schemaDocument = QJsonDocument::fromJson(TestFiles::read(REPORT_SCHEMA)).object();
+    valijson::Schema schema;
+    valijson::SchemaParser().populateSchema(valijson::adapters::QtJsonAdapter(schemaDocument), schema);
+    const QJsonObject report = QJsonDocument::fromJson(result.output).object();
+    QVERIFY(report["findings"].toArray().size() >= 4);
+    const QJsonValue document = report;
+    valijson::ValidationResults mistakes;
+    valijson::Validator().validate(schema, valijson::adapters::QtJsonAdapter(document), &mistakes);
+    QStringList texts;
+    for (const valijson::ValidationResults::Error &mistake : mistakes)
+        texts.append(QString::fromStdString(mistake.context.back() + ": " + mistake.description));
+    QCOMPARE(texts, QStringList());
+
+    // A report that lacks something is refused, so the schema does say something.
+    QJsonObject incomplete = report;
+    incomplete.remove("summary");
+    const QJsonValue incompleteDocument = incomplete;
+    QVERIFY(!valijson::Validator().validate(schema, valijson::adapters::QtJsonAdapter(incompleteDocument),
+                                            nullptr));
+}
+
+void tst_CheckProgram::textReportShowsPlaceAndAdvice()
+{
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath("pluginconfig.json");
+    TestFiles::write(
+        configuration,
+        "{\n  \"pluginList\": [\n    { \"name\": \"Toolbar_Select\", \"version\": \"1\" }\n  ]\n}\n");
+    const QByteArray expected =
+        configuration.toUtf8()
+        + "\n"
+          " Toolbar_Select\n"
+          "  warning  Nothing asks for \"Toolbar_Select\", but for \"ToolBar_Select\". "
+          "[name-near-miss]\n"
+          "           "
+        + configuration.toUtf8()
+        + ":3:15\n"
+          "           The manager loads the library if it is there, and uses it for nothing: "
+          "names are\n"
+          "           compared letter by letter, with case.\n"
+          "           -> Call entry and file \"ToolBar_Select\", if that is what it is.\n"
+          "\n"
+          "Left out: Libraries were not looked at: no --library-dir is given.\n"
+          "0 errors, 1 warning; 1 plug-in checked. plugincheck --explain CODE tells more.\n";
+    QCOMPARE(run({configuration}).output, expected);
+    QVERIFY(run({configuration, "--color", "always"}).output.contains("\x1b[33mwarning\x1b[0m"));
+}
+
+int main(int argc, char **argv)
+{
+    return runTest<tst_CheckProgram>(argc, argv);
+}
+
+#include "tst_checkprogram.moc"
