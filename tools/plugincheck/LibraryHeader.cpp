@@ -193,36 +193,107 @@ bool LibraryHeader::hasSections() const
     const quint64 sectionSize = at<quint16>(isWide() ? 58 : 46);
     const quint64 sectionCount = at<quint16>(isWide() ? 60 : 48);
     const auto size = quint64(m_content.size());
-    return sections > 0 && sections < size && sectionCount > 0 && sectionSize == (isWide() ? 64 : 40)
-           && sectionCount * sectionSize <= size - sections;
+    if (sections == 0 || sections >= size || sectionCount == 0 || sectionSize != (isWide() ? 64 : 40)
+        || sectionCount * sectionSize > size - sections)
+        return false;
+    constexpr quint64 dynamicSymbols = 11;
+    int tables = 0;
+    for (quint64 i = 0; i < sectionCount; ++i) {
+        const quint64 section = sections + i * sectionSize;
+        if (at<quint32>(section + 4) != dynamicSymbols)
+            continue;
+        ++tables;
+        const quint64 begin = word(section + 16, section + 24);
+        if (begin > size || word(section + 20, section + 32) > size - begin)
+            return false;
+    }
+    return tables == 1;
 }
 
 std::vector<uint8_t> LibraryHeader::reduced() const
 {
     std::vector<uint8_t> bytes(m_content.begin(), m_content.end());
-    const auto clear = [&](quint64 from, quint64 length) {
-        const quint64 begin = std::min<quint64>(from, bytes.size());
-        const quint64 end = std::min<quint64>(begin + length, bytes.size());
-        std::fill(bytes.begin() + std::ptrdiff_t(begin), bytes.begin() + std::ptrdiff_t(end), uint8_t(0));
-    };
-    if (!m_content.startsWith("MZ")) {
-        // The loader does not look at sections, so a damaged table of them is no fault.
-        if (!hasSections()) {
-            clear(isWide() ? 40 : 32, isWide() ? 8 : 4);
-            clear(isWide() ? 60 : 48, 4);
-        }
-        return bytes;
+    if (m_content.startsWith("MZ"))
+        reducePe(bytes);
+    else
+        reduceElf(bytes);
+    return bytes;
+}
+
+namespace {
+
+void clear(std::vector<uint8_t> &bytes, quint64 from, quint64 length)
+{
+    const quint64 begin = std::min<quint64>(from, bytes.size());
+    const quint64 end = begin + std::min<quint64>(length, bytes.size() - begin);
+    std::fill(bytes.begin() + std::ptrdiff_t(begin), bytes.begin() + std::ptrdiff_t(end), uint8_t(0));
+}
+
+}
+
+/// Keeps the segments that are loaded, the dynamic section without its tables of relocations and of functions
+/// to be called, and of the sections the one that tells the number of symbols.
+void LibraryHeader::reduceElf(std::vector<uint8_t> &bytes) const
+{
+    constexpr quint64 loadable = 1;
+    constexpr quint64 dynamic = 2;
+    const quint64 segmentSize = isWide() ? 56 : 32;
+    const quint64 segmentCount = at<quint16>(isWide() ? 56 : 44);
+    for (quint64 i = 0; i < segmentCount; ++i) {
+        const quint64 segment = word(28, 32) + i * segmentSize;
+        const quint64 type = at<quint32>(segment);
+        if (type == dynamic)
+            reduceDynamic(bytes, word(segment + 4, segment + 8), word(segment + 16, segment + 32));
+        else if (type != loadable)
+            clear(bytes, segment, segmentSize);
     }
-    // All data directories but exports and imports, which are the first two, and the table of symbols.
+
+    const quint64 sections = word(32, 40);
+    const quint64 sectionSize = isWide() ? 64 : 40;
+    if (!hasSections()) {
+        // The loader does not look at sections, so a damaged table of them is no fault.
+        clear(bytes, isWide() ? 40 : 32, isWide() ? 8 : 4);
+        clear(bytes, isWide() ? 60 : 48, 4);
+        return;
+    }
+    constexpr quint64 dynamicSymbols = 11;
+    for (quint64 i = 0; i < at<quint16>(isWide() ? 60 : 48); ++i) {
+        const quint64 section = sections + i * sectionSize;
+        if (at<quint32>(section + 4) != dynamicSymbols)
+            clear(bytes, section, sectionSize);
+    }
+}
+
+/// Takes out sizes of tables that nobody asks for, and numbers that no library has.
+void LibraryHeader::reduceDynamic(std::vector<uint8_t> &bytes, quint64 begin, quint64 length) const
+{
+    constexpr quint64 sizesOfTables[] = {2, 8, 18, 27, 28, 33};
+    constexpr quint64 numbersOfVersions[] = {0x6ffffffd, 0x6fffffff};
+    constexpr quint64 mostVersions = 1000;
+    const quint64 width = isWide() ? 8 : 4;
+    for (quint64 entry = begin; entry + 2 * width <= begin + length; entry += 2 * width) {
+        const quint64 tag = word(entry, entry);
+        const quint64 value = word(entry + width, entry + width);
+        const auto isOneOf = [tag](const auto &tags) {
+            return std::find(std::begin(tags), std::end(tags), tag) != std::end(tags);
+        };
+        if (isOneOf(sizesOfTables) || (isOneOf(numbersOfVersions) && value > mostVersions))
+            clear(bytes, entry + width, width);
+    }
+}
+
+/// Keeps of the data directories exports and imports, which are the first two, and takes out the table of
+/// symbols.
+void LibraryHeader::reducePe(std::vector<uint8_t> &bytes) const
+{
     constexpr quint64 directorySize = 8;
     const quint64 header = at<quint32>(60);
     const quint64 optional = header + 24;
     const quint64 directories = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
     const quint64 end = optional + at<quint16>(header + 20);
     if (directories + 2 * directorySize < end)
-        clear(directories + 2 * directorySize, end - directories - 2 * directorySize);
-    clear(header + 12, 8);
-    return bytes;
+        clear(bytes, directories + 2 * directorySize, end - directories - 2 * directorySize);
+    clear(bytes, header + 12, 8);
 }
 
 }

@@ -21,7 +21,7 @@ public:
     /// Returns the content with all taken out that nobody here asks for, so that nobody stumbles over it.
     std::vector<uint8_t> reduced() const;
 
-    /// Whether an ELF file has a table of sections that lies in the file.
+    /// Whether an ELF file has a table of sections with one of dynamic symbols, and both lie in the file.
     bool hasSections() const;
 
 private:
@@ -30,6 +30,9 @@ private:
     quint64 word(quint64 position32, quint64 position64) const;
     void describeElf(LibraryFile &file) const;
     void describePe(LibraryFile &file) const;
+    void reduceElf(std::vector<uint8_t> &bytes) const;
+    void reduceDynamic(std::vector<uint8_t> &bytes, quint64 begin, quint64 length) const;
+    void reducePe(std::vector<uint8_t> &bytes) const;
     bool isWide() const { return m_isWide; }
 
     const QByteArray m_content;
