@@ -51,6 +51,7 @@ private slots:
     void cutOffLibraryIsAlwaysTold_data();
     void cutOffLibraryIsAlwaysTold();
     void oddOneOutIsOfAnotherMachine();
+    void hugeFileIsNotRead();
 
 private:
     Report check(const QVector<Library> &libraries, Set set, const QStringList &directories = {});
@@ -348,6 +349,18 @@ void tst_CheckLibraries::oddOneOutIsOfAnotherMachine()
                                 Set::Cam, {pe, QStringLiteral(CHECKED_DIR "/pe_debug")});
     QCOMPARE(found(builds), QStringList{"qt-build Graphic_Tips"});
 #endif
+}
+
+/// It takes no place on the disk, as it is one hole.
+void tst_CheckLibraries::hugeFileIsNotRead()
+{
+    const QTemporaryDir directory;
+    const QString file = directory.filePath("Graphic_View.dll");
+    TestFiles::write(file, "x");
+    QVERIFY(QFile::resize(file, 1024 * 1024 * 1024 + qint64(1)));
+    const Report report = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
+    QCOMPARE(found(report), QStringList{"library-unreadable Graphic_View"});
+    QCOMPARE(report.findings().first().message, QStringLiteral("It is larger than 1 GiB."));
 }
 
 int main(int argc, char **argv)
