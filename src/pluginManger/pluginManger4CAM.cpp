@@ -6,6 +6,7 @@
 #include "private/frameFactories_p.h"
 #include "private/logTexts_p.h"
 #include "private/nameText_p.h"
+#include "private/messageTypes_p.h"
 #include "private/registry_p.h"
 #include "private/resolve_p.h"
 
@@ -35,18 +36,6 @@ using ElementFactoryFunction = void *(QWidget *parent);
 using TextElementFactoryFunction = void *(QWidget *parent, const QString &text);
 using FrameFactoryFunction = void *(QWidget *parent);
 using StepFrameFactoryFunction = void *(QWidget *parent, const QString &job, const QString &step);
-
-/// The codes that the manager knows or sends; all others pass through unexamined.
-namespace MessageType {
-constexpr qint32 invalid = -1;
-constexpr qint32 quiet = 10000000;
-constexpr qint32 frameOpened = 20001638;
-constexpr qint32 jobRenamed = 20002400;
-constexpr qint32 matrixRenamed = 20002401;
-constexpr qint32 frameClosed = 20002402;
-constexpr qint32 guideOpened = 20003913;
-constexpr qint32 dfmFrameOpened = 20004616;
-}
 
 using MessageData = QMap<QString, QVariant>;
 

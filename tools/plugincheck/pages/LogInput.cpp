@@ -1,0 +1,159 @@
+#include "LogInput.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QFileInfo>
+
+#ifdef Q_OS_UNIX
+#    include <sys/stat.h>
+#endif
+
+#include <vector>
+
+using namespace PluginCheck;
+
+namespace {
+
+constexpr int pieceSize = 1024 * 1024;
+constexpr int mostBytesOfLine = 1024 * 1024;
+constexpr int tailSize = 128;
+
+std::string_view view(const QByteArray &bytes)
+{
+    return {bytes.constData(), size_t(bytes.size())};
+}
+
+std::string_view withoutCarriageReturn(std::string_view line)
+{
+    if (!line.empty() && line.back() == '\r')
+        line.remove_suffix(1);
+    return line;
+}
+
+}
+
+void LineSplitter::feed(std::string_view piece, const LineReceiver &receiver)
+{
+    size_t at = 0;
+    for (size_t end = piece.find('\n'); end != std::string_view::npos; end = piece.find('\n', at)) {
+        const std::string_view line = piece.substr(at, end - at);
+        at = end + 1;
+        if (m_rest.isEmpty()) {
+            receiver(withoutCarriageReturn(line));
+            continue;
+        }
+        m_rest.append(line.data(), int(line.size()));
+        receiver(withoutCarriageReturn(view(m_rest)));
+        m_rest.clear();
+    }
+    m_rest.append(piece.data() + at, int(piece.size() - at));
+    if (m_rest.size() > mostBytesOfLine)
+        finish(receiver);
+}
+
+void LineSplitter::finish(const LineReceiver &receiver)
+{
+    if (m_rest.isEmpty())
+        return;
+    receiver(withoutCarriageReturn(view(m_rest)));
+    m_rest.clear();
+}
+
+bool PluginCheck::readLines(QIODevice &device, const LineReceiver &receiver)
+{
+    LineSplitter splitter;
+    std::vector<char> piece(pieceSize);
+    for (;;) {
+        const qint64 size = device.read(piece.data(), pieceSize);
+        if (size < 0)
+            return false;
+        if (size == 0)
+            break;
+        splitter.feed({piece.data(), size_t(size)}, receiver);
+    }
+    splitter.finish(receiver);
+    return true;
+}
+
+FollowedFile::FollowedFile(const QString &name)
+    : m_file(name)
+{
+}
+
+bool FollowedFile::open()
+{
+    m_position = 0;
+    m_tail.clear();
+    return m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+bool FollowedFile::poll(const LineReceiver &receiver)
+{
+    if (!m_file.isOpen())
+        return open() && readMore(receiver);
+    if (isOtherContent()) {
+        finish(receiver);
+        m_position = 0;
+        m_tail.clear();
+    }
+    const bool isReplaced = isOtherFile();
+    const bool hasRead = readMore(receiver);
+    if (!isReplaced)
+        return hasRead;
+    finish(receiver);
+    m_file.close();
+    return (open() && readMore(receiver)) || hasRead;
+}
+
+void FollowedFile::finish(const LineReceiver &receiver)
+{
+    m_splitter.finish(receiver);
+}
+
+bool FollowedFile::readMore(const LineReceiver &receiver)
+{
+    std::vector<char> buffer(pieceSize);
+    bool hasRead = false;
+    for (;;) {
+        m_file.seek(m_position);
+        const qint64 size = m_file.read(buffer.data(), pieceSize);
+        if (size <= 0)
+            return hasRead;
+        hasRead = true;
+        m_position += size;
+        const std::string_view piece(buffer.data(), size_t(size));
+        remember(piece);
+        m_splitter.feed(piece, receiver);
+    }
+}
+
+bool FollowedFile::isOtherContent()
+{
+    if (m_file.size() < m_position)
+        return true;
+    if (m_file.size() == m_position)
+        return false;
+    m_file.seek(m_position - m_tail.size());
+    return m_file.read(m_tail.size()) != m_tail;
+}
+
+/// While there is no file of the name, the one that is open may still grow.
+bool FollowedFile::isOtherFile() const
+{
+#ifdef Q_OS_UNIX
+    struct stat opened = {};
+    struct stat named = {};
+    if (fstat(m_file.handle(), &opened) != 0
+        || stat(QFile::encodeName(m_file.fileName()).constData(), &named) != 0)
+        return false;
+    return opened.st_dev != named.st_dev || opened.st_ino != named.st_ino;
+#else
+    // Windows renames no file that another program reads, unless that program allows it, and Qt does not.
+    return false;
+#endif
+}
+
+void FollowedFile::remember(std::string_view piece)
+{
+    m_tail.append(piece.data(), int(piece.size()));
+    m_tail = m_tail.right(tailSize);
+}
