@@ -58,6 +58,12 @@ QList<LogLines::Line> LogLines::take()
     return lines;
 }
 
+QString LogLines::file()
+{
+    google::FlushLogFiles(google::GLOG_INFO);
+    return logFile().fileName();
+}
+
 char *LogLines::toString(const Line &line)
 {
     return QTest::toString(QByteArray(1, line.severity) + ' ' + line.unit + ": " + line.text);

@@ -2,6 +2,7 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
+#include <QtCore/QString>
 
 /// The lines that glog has written to its file, as bytes.
 namespace LogLines {
@@ -22,6 +23,9 @@ void start(const char *program);
 
 /// Returns the lines written since the last call.
 QList<Line> take();
+
+/// The file itself, for those who read logs. It exists once a line is written.
+QString file();
 
 /// How QCOMPARE shows a line.
 char *toString(const Line &line);

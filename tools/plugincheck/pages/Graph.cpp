@@ -1,9 +1,9 @@
 #include "Graph.h"
 
+#include "JsonAccess.h"
 #include "Readable.h"
 
 #include <QtCore/QHash>
-#include <QtCore/QJsonArray>
 #include <QtCore/QMap>
 #include <QtCore/QSet>
 #include <QtCore/QStringList>
@@ -53,11 +53,6 @@ int rank(const QString &state)
     return states.indexOf(state);
 }
 
-QString text(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toString();
-}
-
 /// Text in a label: a backslash and "&" would begin something of Graphviz' own.
 QByteArray escaped(const QString &name)
 {
@@ -87,12 +82,12 @@ class ConfigurationGraph
 public:
     explicit ConfigurationGraph(const QJsonObject &configuration)
     {
-        const QJsonArray plugins = configuration.value(QLatin1String("plugins")).toArray();
+        const QJsonArray plugins = list(configuration, "plugins");
         for (const QJsonValue &value : plugins)
             addPlugin(value.toObject());
         for (const QJsonValue &value : plugins)
             addDependencies(value.toObject());
-        for (const QJsonValue &cycle : configuration.value(QLatin1String("cycles")).toArray())
+        for (const QJsonValue &cycle : list(configuration, "cycles"))
             addCycle(cycle.toArray());
     }
 
@@ -130,7 +125,7 @@ private:
 
     void addDependencies(const QJsonObject &plugin)
     {
-        for (const QJsonValue &value : plugin.value(QLatin1String("dependencies")).toArray()) {
+        for (const QJsonValue &value : list(plugin, "dependencies")) {
             const QJsonObject dependency = value.toObject();
             addEdge(text(plugin, "name"), text(dependency, "name"), text(dependency, "state"),
                     text(dependency, "version"));
@@ -216,7 +211,7 @@ private:
 QVector<ConfigurationGraph> graphsOf(const QJsonObject &report)
 {
     QVector<ConfigurationGraph> graphs;
-    for (const QJsonValue &value : report.value(QLatin1String("configurations")).toArray())
+    for (const QJsonValue &value : list(report, "configurations"))
         graphs.append(ConfigurationGraph(value.toObject()));
     return graphs;
 }
@@ -249,7 +244,7 @@ QByteArray PluginCheck::dependencyGraph(const QJsonObject &report)
           "    node [shape=box, style=\"rounded,filled\", fontname=\"DejaVu Sans\", fontsize=10, height=0.3, "
           "margin=\"0.12,0.06\"];\n"
           "    edge [fontname=\"DejaVu Sans\", fontsize=9, arrowsize=0.7];\n";
-    const QJsonArray configurations = report.value(QLatin1String("configurations")).toArray();
+    const QJsonArray configurations = list(report, "configurations");
     for (int index = 0; index < graphs.size(); ++index) {
         const QByteArray prefix = "c" + QByteArray::number(index) + "_n";
         if (graphs.size() == 1) {

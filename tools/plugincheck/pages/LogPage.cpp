@@ -1,10 +1,10 @@
 #include "LogPage.h"
 
+#include "JsonAccess.h"
 #include "Page.h"
 #include "Readable.h"
 #include "SequenceDiagram.h"
 
-#include <QtCore/QJsonArray>
 #include <QtCore/QSet>
 #include <QtCore/QStringList>
 
@@ -12,34 +12,26 @@ using namespace PluginCheck;
 
 namespace {
 
-QString text(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toString();
-}
-
-qint64 number(const QJsonObject &object, const char *key)
-{
-    return qint64(object.value(QLatin1String(key)).toDouble());
-}
-
-QJsonArray list(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toArray();
-}
-
 QByteArray figure(qint64 value)
 {
     return "<span class=\"number\">" + markup(grouped(value)) + "</span>";
 }
 
+/// Without the microseconds, and the day only once when it is the same.
 QByteArray times(const QJsonObject &object)
 {
-    const QString first = text(object, "first");
-    const QString last = text(object, "last");
-    QByteArray result = "<span class=\"time\">" + markup(first);
-    if (first != last)
-        result += " to " + markup(last);
-    return result + "</span>";
+    const auto shortened = [](const QString &time) {
+        return time.left(time.lastIndexOf(QLatin1Char('.')) + 4);
+    };
+    const QString first = shortened(text(object, "first"));
+    QString last = shortened(text(object, "last"));
+    QByteArray result = "<time>" + markup(first) + "</time>";
+    if (first == last)
+        return result;
+    const QString day = first.section(QLatin1Char(' '), 0, 0) + QLatin1Char(' ');
+    if (last.startsWith(day))
+        last.remove(0, day.size());
+    return result + " to <time>" + markup(last) + "</time>";
 }
 
 QByteArray advice(const QJsonObject &object)
@@ -69,7 +61,7 @@ Table failureTable(const QJsonObject &report)
     for (const QJsonValue &value : list(report, "failures")) {
         const QJsonObject failure = value.toObject();
         table.rows.append(
-            {{markup(text(failure, "file")), "<code>" + markup(text(failure, "code")) + "</code>",
+            {{nameMarkup(text(failure, "file")), "<code>" + markup(text(failure, "code")) + "</code>",
               reasons(failure), figure(number(failure, "count")), times(failure)},
              QStringLiteral("error"),
              {}});
@@ -90,17 +82,23 @@ Table errorTable(const QJsonObject &report)
     return table;
 }
 
+QString typeText(const QJsonObject &message)
+{
+    const QString type = QString::number(number(message, "type"));
+    const QString name = text(message, "typeName");
+    return name.isEmpty() ? type : name + QStringLiteral(" (") + type + QLatin1Char(')');
+}
+
 Table messageTable(const QJsonObject &report)
 {
     Table table{"messages",
                 QStringLiteral("By sender, receiver and type"),
-                {"Sender", "Receiver", "Type", "Name of the type", "Messages", "When"},
+                {"Sender", "Receiver", "Type", "Messages", "When"},
                 {}};
     for (const QJsonValue &value : list(report, "messages")) {
         const QJsonObject message = value.toObject();
-        table.rows.append({{markup(text(message, "sender")), markup(text(message, "receiver")),
-                            QByteArray::number(number(message, "type")), markup(text(message, "typeName")),
-                            figure(number(message, "count")), times(message)},
+        table.rows.append({{nameMarkup(text(message, "sender")), nameMarkup(text(message, "receiver")),
+                            markup(typeText(message)), figure(number(message, "count")), times(message)},
                            {},
                            {text(message, "sender"), text(message, "receiver")}});
     }
@@ -172,7 +170,7 @@ QString remarks(const QJsonObject &summary)
 
 QByteArray PluginCheck::logPage(const QJsonObject &report)
 {
-    const QJsonObject summary = report.value(QLatin1String("summary")).toObject();
+    const QJsonObject summary = object(report, "summary");
     Page page(QStringLiteral("Log of the plug-in managers"), subtitle(report));
     page.addFigures({{number(summary, "failures"), QStringLiteral("failed loads"), "error"},
                      {number(summary, "errors"), QStringLiteral("other errors"), "error"},
@@ -188,11 +186,11 @@ QByteArray PluginCheck::logPage(const QJsonObject &report)
         page.addHeading(QStringLiteral("What else went wrong"));
         page.add(errorTable(report).toMarkup());
     }
+    addDiagram(page, report);
     page.addHeading(QStringLiteral("Who sent what to whom"));
     if (list(report, "messages").isEmpty())
         page.addParagraph(QStringLiteral("No delivery of a message is in this log."));
     else
         page.add(messageTable(report).toMarkup());
-    addDiagram(page, report);
     return page.toHtml();
 }

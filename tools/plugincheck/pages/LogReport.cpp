@@ -309,7 +309,7 @@ void LogReport::addFailure(int known, const QString &library, const QString &rea
     Failure &failure = m_failures[*index];
     failure.occurrences.add(m_prefix.time);
     addReason(failure, reason);
-    addNote(QString::fromLatin1(kindOf(known).code) + QStringLiteral(": ") + shown);
+    addNote(QString::fromLatin1(kindOf(known).code) + QStringLiteral(": ") + shown, true);
 }
 
 void LogReport::addReason(Failure &failure, const QString &reason)
@@ -394,12 +394,13 @@ void LogReport::addError(const QString &text, const LogAdvice &advice)
     }
     m_errors[*index].occurrences.add(m_prefix.time);
     if (!text.startsWith(QLatin1String("message from")))
-        addNote(text);
+        addNote(text, true);
 }
 
-void LogReport::addNote(const QString &text)
+void LogReport::addNote(const QString &text, bool isFailure)
 {
     Drawn drawn;
+    drawn.isFailure = isFailure;
     drawn.text = text;
     draw(drawn);
 }
@@ -541,6 +542,8 @@ QJsonArray LogReport::trafficJson() const
                            {QStringLiteral("count"), drawn.count}};
         if (drawn.kind == Drawn::Note) {
             object.insert(QStringLiteral("text"), drawn.text);
+            object.insert(QStringLiteral("severity"),
+                          drawn.isFailure ? QStringLiteral("error") : QStringLiteral("note"));
         } else {
             object.insert(QStringLiteral("sender"), drawn.message.sender);
             object.insert(QStringLiteral("receiver"), drawn.message.receiver);

@@ -86,6 +86,7 @@ private:
         Message message;
         QString text;
         qint64 count = 1;
+        bool isFailure = false;
     };
     struct File
     {
@@ -105,7 +106,7 @@ private:
     void addTrace(std::string_view text);
     void addRefused(std::string_view text);
     void addError(const QString &text, const LogAdvice &advice);
-    void addNote(const QString &text);
+    void addNote(const QString &text, bool isFailure = false);
     void draw(const Drawn &drawn);
 
     QJsonArray filesJson() const;

@@ -1,24 +1,13 @@
 #include "LogText.h"
 
+#include "JsonAccess.h"
 #include "Readable.h"
-
-#include <QtCore/QJsonArray>
 
 using namespace PluginCheck;
 
 namespace {
 
 constexpr int mostMessages = 100;
-
-QString text(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toString();
-}
-
-qint64 number(const QJsonObject &object, const char *key)
-{
-    return qint64(object.value(QLatin1String(key)).toDouble());
-}
 
 QString occurrences(const QJsonObject &object)
 {
@@ -32,7 +21,7 @@ QString occurrences(const QJsonObject &object)
 QString headOf(const QJsonObject &report)
 {
     QString head;
-    for (const QJsonValue &value : report.value(QLatin1String("files")).toArray()) {
+    for (const QJsonValue &value : list(report, "files")) {
         const QJsonObject file = value.toObject();
         head += readable(text(file, "file")) + QStringLiteral(": ")
                 + counted(number(file, "lines"), "line", "lines") + QLatin1Char('\n');
@@ -44,7 +33,7 @@ QString headOf(const QJsonObject &report)
 
 QString failuresOf(const QJsonObject &report)
 {
-    const QJsonArray failures = report.value(QLatin1String("failures")).toArray();
+    const QJsonArray failures = list(report, "failures");
     if (failures.isEmpty())
         return {};
     QString result = QStringLiteral("\nWhat did not load\n");
@@ -52,7 +41,7 @@ QString failuresOf(const QJsonObject &report)
         const QJsonObject failure = value.toObject();
         result += QStringLiteral("\n  %1\n    %2: %3\n")
                       .arg(text(failure, "file"), text(failure, "code"), occurrences(failure));
-        for (const QJsonValue &reasonValue : failure.value(QLatin1String("reasons")).toArray()) {
+        for (const QJsonValue &reasonValue : list(failure, "reasons")) {
             const QJsonObject reason = reasonValue.toObject();
             if (!text(reason, "text").isEmpty())
                 result += QStringLiteral("    reason: ") + text(reason, "text") + QLatin1Char('\n');
@@ -65,7 +54,7 @@ QString failuresOf(const QJsonObject &report)
 
 QString errorsOf(const QJsonObject &report)
 {
-    const QJsonArray errors = report.value(QLatin1String("errors")).toArray();
+    const QJsonArray errors = list(report, "errors");
     if (errors.isEmpty())
         return {};
     QString result = QStringLiteral("\nOther errors\n");
@@ -80,7 +69,7 @@ QString errorsOf(const QJsonObject &report)
 
 QString messagesOf(const QJsonObject &report)
 {
-    const QJsonArray messages = report.value(QLatin1String("messages")).toArray();
+    const QJsonArray messages = list(report, "messages");
     if (messages.isEmpty())
         return {};
     QString result = QStringLiteral("\nMessages that were delivered\n\n");
@@ -104,7 +93,7 @@ QString messagesOf(const QJsonObject &report)
 
 QString summaryOf(const QJsonObject &report)
 {
-    const QJsonObject summary = report.value(QLatin1String("summary")).toObject();
+    const QJsonObject summary = object(report, "summary");
     QStringList parts{counted(number(summary, "failures"), "failed load", "failed loads"),
                       counted(number(summary, "errors"), "other error", "other errors"),
                       counted(number(summary, "messages"), "message", "messages")};

@@ -58,6 +58,11 @@ QByteArray PluginCheck::markup(const QString &text)
     return readable(text).toHtmlEscaped().replace('\'', QLatin1String("&#39;")).toUtf8();
 }
 
+QByteArray PluginCheck::nameMarkup(const QString &name)
+{
+    return markup(name).replace('_', "_<wbr>").replace('/', "/<wbr>");
+}
+
 QString PluginCheck::elided(const QString &text, int most)
 {
     if (text.size() <= most)

@@ -16,6 +16,9 @@ QString readable(const QString &text);
 /// The same, also without anything that means something in HTML and XML, in attributes too.
 QByteArray markup(const QString &text);
 
+/// A name or a path in a page, which may be broken behind its parts.
+QByteArray nameMarkup(const QString &name);
+
 /// At most `most` characters, with the middle left out: names differ at both ends.
 QString elided(const QString &text, int most);
 

@@ -2,11 +2,11 @@
 
 #include "Drawing.h"
 #include "Graph.h"
+#include "JsonAccess.h"
 #include "Page.h"
 #include "Readable.h"
 
 #include <QtCore/QHash>
-#include <QtCore/QJsonArray>
 #include <QtCore/QSet>
 #include <QtCore/QStringList>
 
@@ -21,21 +21,6 @@ const QStringList &severities()
     static const QStringList names{QStringLiteral("error"), QStringLiteral("warning"),
                                    QStringLiteral("note")};
     return names;
-}
-
-QString text(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toString();
-}
-
-QJsonArray list(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toArray();
-}
-
-qint64 number(const QJsonObject &object, const char *key)
-{
-    return qint64(object.value(QLatin1String(key)).toDouble());
 }
 
 QByteArray paragraph(const QString &text, const char *kind = "")
@@ -78,7 +63,7 @@ Table findingTable(const QJsonObject &report)
                                 + paragraph(text(finding, "advice"), "next") + "<div class=\"place\">"
                                 + markup(place(finding)) + "</div>";
         table.rows.append({{"<code>" + markup(text(finding, "code")) + "</code>",
-                            badge(text(finding, "severity")), markup(plugin), what},
+                            badge(text(finding, "severity")), nameMarkup(plugin), what},
                            text(finding, "severity"),
                            {plugin}});
     }
@@ -91,7 +76,7 @@ QByteArray dependencies(const QJsonObject &plugin)
     for (const QJsonValue &value : list(plugin, "dependencies")) {
         const QJsonObject dependency = value.toObject();
         const QString state = text(dependency, "state");
-        result.append(markup(text(dependency, "name") + QLatin1Char(' ') + text(dependency, "version"))
+        result.append(nameMarkup(text(dependency, "name") + QLatin1Char(' ') + text(dependency, "version"))
                       + (state == QLatin1String("met") ? QByteArray() : " <em>(" + markup(state) + ")</em>"));
     }
     return result.join(", ");
@@ -135,7 +120,7 @@ Table pluginTable(const QJsonObject &configuration, int index)
     for (const QJsonValue &value : list(configuration, "plugins")) {
         const QJsonObject plugin = value.toObject();
         const QString library = text(plugin, "library");
-        Table::Row row{{markup(text(plugin, "name")), markup(text(plugin, "version")),
+        Table::Row row{{nameMarkup(text(plugin, "name")), markup(text(plugin, "version")),
                         badge(text(plugin, "state")),
                         library.isEmpty() ? QByteArray("not found")
                                           : "<span class=\"place\">" + markup(library) + "</span>",
@@ -143,7 +128,7 @@ Table pluginTable(const QJsonObject &configuration, int index)
                        text(plugin, "state"),
                        {text(plugin, "name")}};
         if (withProbe)
-            row.cells.append(probeCell(plugin.value(QLatin1String("probe")).toObject()));
+            row.cells.append(probeCell(object(plugin, "probe")));
         table.rows.append(row);
     }
     return table;
@@ -190,7 +175,7 @@ void addGraph(Page &page, const QJsonObject &report)
              + badge(QStringLiteral("error"))
              + "</li><li>dashed: needed, and not listed</li><li>dotted: not looked at by the manager</li>"
                "<li class=\"cycle\">bold: part of a cycle</li></ul>\n"
-               "<div class=\"drawing graph\" tabindex=\"0\">"
+               "<div class=\"drawing dependencies\" tabindex=\"0\">"
              + drawing.svg + "</div>\n");
 }
 
@@ -211,7 +196,7 @@ QString subtitle(const QJsonObject &report)
     QStringList files;
     for (const QJsonValue &configuration : list(report, "configurations"))
         files.append(text(configuration.toObject(), "file"));
-    const QJsonObject tool = report.value(QLatin1String("tool")).toObject();
+    const QJsonObject tool = object(report, "tool");
     return files.join(QStringLiteral(", ")) + QStringLiteral(", checked by ") + text(tool, "name")
            + QLatin1Char(' ') + text(tool, "version");
 }
@@ -220,7 +205,7 @@ QString subtitle(const QJsonObject &report)
 
 QByteArray PluginCheck::reportPage(const QJsonObject &report)
 {
-    const QJsonObject summary = report.value(QLatin1String("summary")).toObject();
+    const QJsonObject summary = object(report, "summary");
     Page page(QStringLiteral("Check of plug-in sets"), subtitle(report));
     page.addFigures({{number(summary, "plugins"), QStringLiteral("plug-ins"), {}},
                      {number(summary, "errors"), QStringLiteral("errors"), "error"},

@@ -1,9 +1,9 @@
 #include "SequenceDiagram.h"
 
+#include "JsonAccess.h"
 #include "Readable.h"
 
 #include <QtCore/QHash>
-#include <QtCore/QJsonObject>
 #include <QtCore/QStringList>
 
 using namespace PluginCheck;
@@ -11,17 +11,14 @@ using namespace PluginCheck;
 namespace {
 
 constexpr int timeWidth = 112;
-constexpr int laneWidth = 176;
+constexpr int laneWidth = 164;
 constexpr int headHeight = 44;
 constexpr int rowHeight = 36;
-constexpr int mostNameCharacters = 22;
+constexpr int mostNameCharacters = 20;
+/// An arrow of more lanes than this also names its receiver, whose lifeline may be out of sight.
+constexpr int farLanes = 2;
 
 const QString others = QStringLiteral("(others)");
-
-QString text(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toString();
-}
 
 /// The participants from left to right, in the order in which they come up.
 class Lanes
@@ -57,7 +54,7 @@ private:
     QHash<QString, int> m_lanes;
 };
 
-QByteArray number(int value)
+QByteArray decimal(int value)
 {
     return QByteArray::number(value);
 }
@@ -65,13 +62,13 @@ QByteArray number(int value)
 QByteArray svgStart(int width, int height, const char *kind)
 {
     return "<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"" + QByteArray(kind) + "\" width=\""
-           + number(width) + "\" height=\"" + number(height) + "\" viewBox=\"0 0 " + number(width) + ' '
-           + number(height) + "\" role=\"img\"";
+           + decimal(width) + "\" height=\"" + decimal(height) + "\" viewBox=\"0 0 " + decimal(width) + ' '
+           + decimal(height) + "\" role=\"img\"";
 }
 
 QByteArray label(int x, int y, const char *kind, const QString &shown)
 {
-    return "<text class=\"" + QByteArray(kind) + "\" x=\"" + number(x) + "\" y=\"" + number(y) + "\">"
+    return "<text class=\"" + QByteArray(kind) + "\" x=\"" + decimal(x) + "\" y=\"" + decimal(y) + "\">"
            + markup(shown) + "</text>";
 }
 
@@ -82,8 +79,8 @@ QByteArray heads(const Lanes &lanes)
         const QString name =
             lanes.names().at(lane).isEmpty() ? QStringLiteral("(no name)") : lanes.names().at(lane);
         svg += "<g><title>" + markup(name) + "</title><rect x=\""
-               + number(lanes.middle(lane) - laneWidth / 2 + 6) + "\" y=\"6\" width=\""
-               + number(laneWidth - 12) + "\" height=\"30\" rx=\"6\"/>"
+               + decimal(lanes.middle(lane) - laneWidth / 2 + 6) + "\" y=\"6\" width=\""
+               + decimal(laneWidth - 12) + "\" height=\"30\" rx=\"6\"/>"
                + label(lanes.middle(lane), 26, "name", elided(name, mostNameCharacters)) + "</g>";
     }
     return svg + "</svg>";
@@ -94,7 +91,7 @@ QByteArray lifelines(const Lanes &lanes, int height)
     QByteArray svg;
     for (int lane = 0; lane < lanes.count(); ++lane)
         svg +=
-            "<path class=\"lifeline\" d=\"M" + number(lanes.middle(lane)) + " 0V" + number(height) + "\"/>";
+            "<path class=\"lifeline\" d=\"M" + decimal(lanes.middle(lane)) + " 0V" + decimal(height) + "\"/>";
     return svg;
 }
 
@@ -107,8 +104,8 @@ QString times(const QJsonObject &event)
 QByteArray arrowHead(int x, int y, bool toRight)
 {
     const int back = toRight ? x - 9 : x + 9;
-    return "<path class=\"point\" d=\"M" + number(x) + ' ' + number(y) + "L" + number(back) + ' '
-           + number(y - 4) + "V" + number(y + 4) + "z\"/>";
+    return "<path class=\"point\" d=\"M" + decimal(x) + ' ' + decimal(y) + "L" + decimal(back) + ' '
+           + decimal(y - 4) + "V" + decimal(y + 4) + "z\"/>";
 }
 
 QByteArray arrow(const Lanes &lanes, const QJsonObject &event, int y)
@@ -117,11 +114,15 @@ QByteArray arrow(const Lanes &lanes, const QJsonObject &event, int y)
     const int to = lanes.middle(lanes.lane(text(event, "receiver")));
     const QString type = text(event, "type") + times(event);
     if (from == to)
-        return "<path class=\"line\" d=\"M" + number(from) + ' ' + number(y - 6) + "h24v12h-15\"/>"
+        return "<path class=\"line\" d=\"M" + decimal(from) + ' ' + decimal(y - 6) + "h24v12h-15\"/>"
                + arrowHead(from, y + 6, false) + label(from + 32, y + 4, "beside", elided(type, 26));
-    return "<path class=\"line\" d=\"M" + number(from) + ' ' + number(y) + "H"
-           + number(to > from ? to - 8 : to + 8) + "\"/>" + arrowHead(to, y, to > from)
-           + label((from + to) / 2, y - 6, "above", elided(type, 60));
+    const bool toRight = to > from;
+    const bool isFar = qAbs(to - from) > farLanes * laneWidth;
+    const QString shown =
+        isFar ? type + QStringLiteral(" to ") + elided(text(event, "receiver"), mostNameCharacters) : type;
+    return "<path class=\"line\" d=\"M" + decimal(from) + ' ' + decimal(y) + "H"
+           + decimal(toRight ? to - 8 : to + 8) + "\"/>" + arrowHead(to, y, toRight)
+           + label(toRight ? from + 10 : from - 10, y - 6, toRight ? "forth" : "back", elided(shown, 60));
 }
 
 QByteArray row(const Lanes &lanes, const QJsonObject &event, int y)
@@ -132,15 +133,16 @@ QByteArray row(const Lanes &lanes, const QJsonObject &event, int y)
                                 : text(event, "sender") + QStringLiteral(" to ") + text(event, "receiver")
                                       + QStringLiteral(", ") + text(event, "type");
     const QString refused = kind == QLatin1String("refused") ? QStringLiteral(", not delivered") : QString();
-    QByteArray svg = "<g class=\"" + kind.toLatin1() + "\"><title>"
+    const bool isFailure = isNote && text(event, "severity") == QLatin1String("error");
+    QByteArray svg = "<g class=\"" + (isFailure ? QByteArray("note failure") : kind.toLatin1()) + "\"><title>"
                      + markup(text(event, "time") + '\n' + what + refused) + times(event).toUtf8()
                      + "</title>";
     svg += label(timeWidth - 12, y + 4, "time", text(event, "time").section(QLatin1Char(' '), 1).left(12));
     if (!isNote)
         return svg + arrow(lanes, event, y) + "</g>";
     const int width = lanes.width() - timeWidth - 12;
-    return svg + "<rect x=\"" + number(timeWidth) + "\" y=\"" + number(y - 12) + "\" width=\"" + number(width)
-           + "\" height=\"24\" rx=\"4\"/>"
+    return svg + "<rect x=\"" + decimal(timeWidth) + "\" y=\"" + decimal(y - 12) + "\" width=\""
+           + decimal(width) + "\" height=\"24\" rx=\"4\"/>"
            + label(timeWidth + 10, y + 4, "beside", elided(what, width / 8) + times(event)) + "</g>";
 }
 
