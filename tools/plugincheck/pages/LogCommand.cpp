@@ -211,7 +211,8 @@ QString check(const QCommandLineParser &parser, Options &options)
     if (options.follow && options.files.contains(standardInput))
         return QStringLiteral("--follow needs files by name");
     for (const QString &file : options.files) {
-        if (!options.output.isEmpty() && QFileInfo(file) == QFileInfo(options.output))
+        if (QFileInfo::exists(options.output)
+            && QFileInfo(file).canonicalFilePath() == QFileInfo(options.output).canonicalFilePath())
             return QStringLiteral("--output is one of the files to read");
     }
     return {};

@@ -77,6 +77,11 @@ bool startsWith(std::string_view text, std::string_view beginning)
     return text.substr(0, beginning.size()) == beginning;
 }
 
+std::string_view firstLine(std::string_view text)
+{
+    return text.substr(0, text.find('\n'));
+}
+
 QByteArray copyOf(std::string_view bytes)
 {
     return {bytes.data(), int(bytes.size())};
@@ -263,12 +268,12 @@ void LogReport::countByCamManager(std::string_view text)
     if (m_prefix.severity == 'I') {
         if (KnownTexts::all()[KnownTexts::AllLoaded].lengthAtStartOf(text) > 0)
             addNote(QStringLiteral("a CAM or DFM set has been gone through"));
-        else if (text != "ok")
+        else if (firstLine(text) != "ok")
             addTrace(text);
         return;
     }
     for (const Thrown &thrown : thrownTexts) {
-        if (text == thrown.text) {
+        if (firstLine(text) == thrown.text) {
             addError(
                 QString::fromLatin1(thrown.text.data()),
                 {QStringLiteral("a plug-in threw a pointer to QException while it received a message of ")
@@ -283,7 +288,7 @@ void LogReport::countByCamManager(std::string_view text)
     else if (startsWith(text, invalidType))
         addError(shownText(text), {QStringLiteral("a message of the invalid type was not delivered"),
                                    QStringLiteral("Give the message a type; a new record has -1.")});
-    else if (text == "insertRoot error.")
+    else if (firstLine(text) == "insertRoot error.")
         addError(shownText(text), {QStringLiteral("memory ran out while the root was recorded"),
                                    QStringLiteral("Look at the host's use of memory.")});
     else
@@ -333,7 +338,12 @@ void LogReport::addReason(Failure &failure, const QString &reason)
 
 void LogReport::addTrace(std::string_view text)
 {
-    const auto trace = parseTrace(text);
+    auto trace = parseTrace(text);
+    if (!trace) {
+        // What follows may be of someone who writes to the same file without a prefix.
+        text = firstLine(text);
+        trace = parseTrace(text);
+    }
     if (!trace) {
         ++m_notTold;
         return;
@@ -345,6 +355,8 @@ void LogReport::addTrace(std::string_view text)
         found = m_messages.insert(key, {});
     if (found != m_messages.end())
         found->add(m_prefix.time);
+    else
+        ++m_notTold;
 
     if (m_notDrawn > 0) {
         ++m_notDrawn;
