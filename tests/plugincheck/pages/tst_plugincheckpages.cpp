@@ -124,13 +124,14 @@ const char *const hostileNames[] = {"<script>alert(1)</script>",
                                     "c0_n0",
                                     "graph"};
 
-constexpr char noDot[] = "NO GRAPHVIZ: dot is not on this machine";
-
+bool isSkippedWithoutGraphviz()
+{
+    if (!hasGraphviz())
+        QTest::qSkip("Graphviz is not on this machine", __FILE__, __LINE__);
+    return !hasGraphviz();
 }
 
-#define SKIP_WITHOUT_GRAPHVIZ()                                                                              \
-    if (!hasGraphviz())                                                                                      \
-    QSKIP(noDot)
+}
 
 void tst_PluginCheckPages::cleanup()
 {
@@ -212,7 +213,8 @@ void tst_PluginCheckPages::hostileNamesInTheGraph_data()
 /// Graphviz takes it without complaint, and the drawing shows the name as it is.
 void tst_PluginCheckPages::hostileNamesInTheGraph()
 {
-    SKIP_WITHOUT_GRAPHVIZ();
+    if (isSkippedWithoutGraphviz())
+        return;
     QFETCH(QString, name);
     const QByteArray dot = dependencyGraph(
         reportOf({plugin(name, "good", {dependency(name + "2", "met")}), plugin(name + "2", "good")}));
@@ -246,7 +248,8 @@ void tst_PluginCheckPages::graphOfNothing()
 
 void tst_PluginCheckPages::bigSetIsDrawnByGraphviz()
 {
-    SKIP_WITHOUT_GRAPHVIZ();
+    if (isSkippedWithoutGraphviz())
+        return;
     QJsonArray plugins;
     for (int number = 0; number < 1000; ++number) {
         QJsonArray dependencies;
@@ -262,7 +265,8 @@ void tst_PluginCheckPages::bigSetIsDrawnByGraphviz()
 
 void tst_PluginCheckPages::drawingHasShapesAndTextsOnly()
 {
-    SKIP_WITHOUT_GRAPHVIZ();
+    if (isSkippedWithoutGraphviz())
+        return;
     const Drawing drawing = drawGraph(dependencyGraph(report()));
     QVERIFY2(!drawing.svg.isEmpty(), qPrintable(drawing.whyNot));
     QXmlStreamReader reader(drawing.svg);
@@ -286,7 +290,8 @@ void tst_PluginCheckPages::drawingHasShapesAndTextsOnly()
 
 void tst_PluginCheckPages::drawingTakesALimitedTime()
 {
-    SKIP_WITHOUT_GRAPHVIZ();
+    if (isSkippedWithoutGraphviz())
+        return;
     QByteArray dot = "digraph a {\n";
     for (int from = 0; from < 300; ++from) {
         for (int to = 0; to < 300; to += 7)
@@ -303,7 +308,8 @@ void tst_PluginCheckPages::drawingTakesALimitedTime()
 
 void tst_PluginCheckPages::drawingOfNoGraph()
 {
-    SKIP_WITHOUT_GRAPHVIZ();
+    if (isSkippedWithoutGraphviz())
+        return;
     QVERIFY(drawGraph("this is no graph").whyNot.contains("Graphviz failed"));
 }
 
