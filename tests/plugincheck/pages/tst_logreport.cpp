@@ -1,0 +1,344 @@
+#include "LogInput.h"
+#include "LogReport.h"
+#include "gbktexts.h"
+#include "logcommandrun.h"
+#include "testmain.h"
+
+#include <QtCore/QBuffer>
+
+#include <csignal>
+#include <thread>
+
+using namespace PluginCheck;
+
+/// "plugincheck log" on what others may have written, and on files that change.
+class tst_LogReport : public QObject, private LogCommandRun
+{
+    Q_OBJECT
+
+private slots:
+    void spanOfTime();
+    void linesOfOtherUnitsAreOnlyCounted();
+    void linesInTwoFilesAreCountedOnce();
+    void furtherLinesBelongToTheirMessage();
+    void hostileLines();
+    void manyGroupsAreBounded();
+    void drawnEventsAreLimited();
+    void windowsLineEnds();
+    void linesWithoutEnd();
+    void unreadableFileDoesNotStopTheOthers();
+    void wrongUsage_data();
+    void wrongUsage();
+    void outputIsNoInput();
+    void growingFileIsFollowed();
+    void followedFileMayBeCutOff();
+    void followedFileMayBeReplaced();
+    void interruptionEndsFollowing();
+};
+
+namespace {
+
+QByteArray line(char severity, const QByteArray &unit, const QByteArray &text,
+                const QByteArray &time = "14:46:05.123456")
+{
+    return severity + ("20261121 " + time + " 4711 ") + unit + ".cpp:1] " + text + '\n';
+}
+
+QByteArray cam(const QByteArray &text, const QByteArray &time = "14:46:05.123456")
+{
+    return line('I', "pluginManger4CAM", text, time);
+}
+
+}
+
+void tst_LogReport::spanOfTime()
+{
+    const QString path =
+        write("log", cam("A send to B 1", "14:00:00.000000") + cam("A send to B 2", "14:30:00.000000")
+                         + "further line\n" + cam("A send to B 3", "15:00:00.000000"));
+    const QJsonObject found = report({"--from", "14:10", "--to", "14:59", path}, 0);
+    QCOMPARE(messages(found), QStringList("1 A -> B 2"));
+    QCOMPARE(summary(found, "outsideSpan"), 2);
+    QByteArray output;
+    QCOMPARE(run({"--decode", "--from", "14:10", "--to", "14:59", path}, &output), 0);
+    QCOMPARE(output, cam("A send to B 2", "14:30:00.000000") + "further line\n");
+}
+
+void tst_LogReport::linesOfOtherUnitsAreOnlyCounted()
+{
+    const QString path = write("log", line('E', "host", QByteArray(Gbk::loadFailed) + "x.dll")
+                                          + line('I', "host", "A send to B 1") + cam("A send to B 1"));
+    const QJsonObject found = report({path}, 0);
+    QCOMPARE(summary(found, "notTheLibrarys"), 2);
+    QCOMPARE(messages(found), QStringList("1 A -> B 1"));
+}
+
+void tst_LogReport::linesInTwoFilesAreCountedOnce()
+{
+    const QByteArray failed = line('E', "pluginMangerBase", QByteArray(Gbk::notALibrary) + "x.txt");
+    // glog writes errors to the file of each severity below, and a message may really come twice.
+    const QString infos = write("log.INFO", failed + failed + cam("A send to B 1"));
+    const QString errors = write("log.ERROR", failed + failed);
+    const QJsonObject found = report({infos, errors}, 1);
+    QCOMPARE(first(found, "failures").value("count").toInt(), 2);
+    QCOMPARE(summary(found, "alsoInOtherFile"), 2);
+    QCOMPARE(sizeOf(found, "files"), 2);
+}
+
+void tst_LogReport::furtherLinesBelongToTheirMessage()
+{
+    const QString path =
+        write("log", line('E', "pluginMangerBase",
+                          QByteArray(Gbk::loadFailed) + "a\nb.dll" + Gbk::loadFailedReason
+                              + "first\nsecond\xef\xbc\x81")
+                         + "Log file created at: 2026/11/21 14:46:05\n" + cam("A send to B 1"));
+    const QJsonObject found = report({path}, 1);
+    QCOMPARE(failures(found), QStringList("load-failed a␊b.dll"));
+    QCOMPARE(first(found, "failures").value("reasons").toArray().first().toObject().value("text").toString(),
+             QString("first␊second！"));
+    QCOMPARE(messages(found), QStringList("1 A -> B 1"));
+}
+
+void tst_LogReport::hostileLines()
+{
+    QByteArray content =
+        "\xff\xfe\n\n" + QByteArray(1, '\0') + "\n] \n" + cam(" send to  ") + cam(" send to ")
+        + cam("A send to B 99999999999999999999") + cam("A send to B -")
+        + cam("<script>alert(1)</script> send to ]]>\x1b[31m 7")
+        + line('E', "pluginManger4CAM", "recMegToPlugin metadate frame is ")
+        + line('E', "pluginManger4CAM", "recMegToPlugin metadate frame is  src: type: dst:")
+        + line('E', "pluginManger4CAM", "recMegToPlugin metadate frame is  dst: src: type:")
+        + line('E', "pluginMangerBase", Gbk::loadFailed)
+        + line('E', "pluginMangerBase", QByteArray(Gbk::loadFailed) + QByteArray(100000, '\xb0'))
+        + "E20261121 14:46:05.123456 1 pluginMangerBase.cpp:1] " + Gbk::loadFailedReason;
+    const QString path = write("log", content);
+    const QJsonObject found = report({path}, 1);
+    QCOMPARE(sizeOf(found, "failures"), 2);
+    QCOMPARE(messages(found), QStringList("1 <script>alert(1)</script> -> ]]>␛[31m 7"));
+    QVERIFY(summary(found, "notTold") >= 7);
+
+    QByteArray output;
+    QCOMPARE(run({path}, &output), 1);
+    QVERIFY(!output.contains('\x1b'));
+    QVERIFY(!output.contains('\0'));
+    QCOMPARE(QString::fromUtf8(output).toUtf8(), output);
+    QCOMPARE(run({"--decode", path}, &output), 0);
+    QVERIFY(!output.contains('\x1b'));
+    QCOMPARE(run({"--format", "html", path}, &output), 1);
+    QVERIFY(output.contains("&lt;script&gt;alert(1)"));
+    QCOMPARE(output.count("<script"), 1);
+    QVERIFY(!output.contains("]]>"));
+}
+
+void tst_LogReport::manyGroupsAreBounded()
+{
+    LogReport::Limits limits;
+    limits.groups = 50;
+    LogReport logReport({}, limits);
+    logReport.beginFile("log");
+    const auto add = [&](const QByteArray &text) {
+        logReport.addLine({text.constData(), size_t(text.size() - 1)});
+    };
+    for (int number = 0; number < 80; ++number) {
+        add(cam("A send to B" + QByteArray::number(number) + " 1"));
+        add(line('E', "pluginMangerBase", Gbk::notALibrary + QByteArray::number(number)));
+        add(line('E', "pluginMangerBase",
+                 QByteArray(Gbk::loadFailed) + "x" + Gbk::loadFailedReason + QByteArray::number(number)));
+    }
+    logReport.endFile();
+    const QJsonObject found = logReport.toJson();
+    QCOMPARE(sizeOf(found, "messages"), 50);
+    QCOMPARE(sizeOf(found, "failures"), 50);
+    QCOMPARE(summary(found, "messages"), 80);
+    QCOMPARE(summary(found, "notTold"), 30 + 31);
+    // The second failure is that of one library for many reasons.
+    const QJsonObject second = found.value("failures").toArray().at(1).toObject();
+    QCOMPARE(second.value("count").toInt(), 80);
+    QCOMPARE(second.value("reasons").toArray().size(), 20);
+}
+
+void tst_LogReport::drawnEventsAreLimited()
+{
+    QByteArray content;
+    for (int number = 0; number < 30; ++number)
+        content += cam("A send to B " + QByteArray::number(number));
+    const QString path = write("log", content);
+    const QJsonObject found = report({"--draw", "10", path}, 0);
+    QCOMPARE(sizeOf(found, "traffic"), 10);
+    QCOMPARE(found.value("notDrawn").toInt(), 20);
+    QByteArray page;
+    QCOMPARE(run({"--format", "html", "--draw", "10", path}, &page), 0);
+    QCOMPARE(page.count("<g class=\"delivered\">"), 10);
+    QVERIFY(page.contains("Drawn are the first 10 events; 20 that came later are not."));
+}
+
+void tst_LogReport::windowsLineEnds()
+{
+    const QByteArray content = cam("A send to B 1") + cam("A send to B 1");
+    QCOMPARE(messages(report({write("log", QByteArray(content).replace("\n", "\r\n"))}, 0)),
+             QStringList("2 A -> B 1"));
+}
+
+void tst_LogReport::linesWithoutEnd()
+{
+    // Longer than any piece that is read at once, in memory that does not grow with it.
+    QByteArray content(5 * 1024 * 1024, 'x');
+    QBuffer buffer(&content);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    qint64 bytes = 0;
+    size_t longest = 0;
+    QVERIFY(readLines(buffer, [&](std::string_view each) {
+        bytes += qint64(each.size());
+        longest = qMax(longest, each.size());
+    }));
+    QCOMPARE(bytes, qint64(content.size()));
+    QVERIFY(longest < 3 * 1024 * 1024);
+}
+
+void tst_LogReport::unreadableFileDoesNotStopTheOthers()
+{
+    const QString path = write("log", cam("A send to B 1"));
+    QCOMPARE(messages(report({file("nothing"), path}, 3)), QStringList("1 A -> B 1"));
+    QByteArray output;
+    QCOMPARE(run({"--decode", file("nothing"), path}, &output), 3);
+    QCOMPARE(output, cam("A send to B 1"));
+    QCOMPARE(runLogCommand({"--output", file("no/such/folder/x"), path}), 3);
+}
+
+void tst_LogReport::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("no file") << QStringList();
+    QTest::newRow("unknown option") << QStringList{"--colour", "x"};
+    QTest::newRow("unknown format") << QStringList{"--format", "dot", "x"};
+    QTest::newRow("no time") << QStringList{"--from", "noon", "x"};
+    QTest::newRow("no time at the end") << QStringList{"--to", "25:00", "x"};
+    QTest::newRow("nothing to draw") << QStringList{"--draw", "0", "x"};
+    QTest::newRow("too much to draw") << QStringList{"--draw", "100000", "x"};
+    QTest::newRow("following in HTML") << QStringList{"--follow", "--format", "html", "x"};
+    QTest::newRow("following the standard input") << QStringList{"--follow", "-"};
+}
+
+void tst_LogReport::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QCOMPARE(runLogCommand(arguments), 2);
+}
+
+void tst_LogReport::outputIsNoInput()
+{
+    const QString path = write("log", cam("A send to B 1"));
+    QCOMPARE(runLogCommand({"--output", path, path}), 2);
+    QCOMPARE(TestFiles::read(path), cam("A send to B 1"));
+}
+
+namespace {
+
+class Lines
+{
+public:
+    explicit Lines(FollowedFile &file)
+        : m_file(file)
+    {
+    }
+
+    QByteArrayList take()
+    {
+        QByteArrayList lines;
+        m_file.poll([&](std::string_view each) { lines.append(QByteArray(each.data(), int(each.size()))); });
+        return lines;
+    }
+
+private:
+    FollowedFile &m_file;
+};
+
+void append(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+}
+
+void tst_LogReport::growingFileIsFollowed()
+{
+    const QString path = write("log", "one\ntwo\nthr");
+    FollowedFile followed(path);
+    Lines lines(followed);
+    QVERIFY(followed.open());
+    QCOMPARE(lines.take(), (QByteArrayList{"one", "two"}));
+    QCOMPARE(lines.take(), QByteArrayList());
+    append(path, "ee\n");
+    QCOMPARE(lines.take(), QByteArrayList{"three"});
+    append(path, "four");
+    QCOMPARE(lines.take(), QByteArrayList());
+    QByteArrayList last;
+    followed.finish([&](std::string_view each) { last.append(QByteArray(each.data(), int(each.size()))); });
+    QCOMPARE(last, QByteArrayList{"four"});
+}
+
+void tst_LogReport::followedFileMayBeCutOff()
+{
+    const QString path = write("log", "one\ntwo\n");
+    FollowedFile followed(path);
+    Lines lines(followed);
+    QVERIFY(followed.open());
+    QCOMPARE(lines.take().size(), 2);
+    write("log", "new\n");
+    QCOMPARE(lines.take(), QByteArrayList{"new"});
+    // Longer than before when it is looked at again, and still not what was read.
+    write("log", "quite\nother\nlines\n");
+    QCOMPARE(lines.take(), (QByteArrayList{"quite", "other", "lines"}));
+}
+
+void tst_LogReport::followedFileMayBeReplaced()
+{
+#ifdef Q_OS_WIN
+    QSKIP("a file that is open cannot be renamed on Windows");
+#endif
+    const QString path = write("log", "one\n");
+    FollowedFile followed(path);
+    Lines lines(followed);
+    QVERIFY(followed.open());
+    QCOMPARE(lines.take(), QByteArrayList{"one"});
+    QVERIFY(QFile::rename(path, file("log.1")));
+    append(file("log.1"), "late\n");
+    QCOMPARE(lines.take(), QByteArrayList{"late"});
+    append(file("log.1"), "last, without its end");
+    write("log", "first of the new one\n");
+    QCOMPARE(lines.take(), (QByteArrayList{"last, without its end", "first of the new one"}));
+    append(path, "second\n");
+    QCOMPARE(lines.take(), QByteArrayList{"second"});
+}
+
+void tst_LogReport::interruptionEndsFollowing()
+{
+    const QString path = write("log", cam("A send to B 1"));
+    const QString result = file("followed");
+    int status = -1;
+    std::thread follower([&] { status = runLogCommand({"--follow", "--output", result, path}); });
+    const auto hasWritten = [&](const QByteArray &text) {
+        return QFile::exists(result) && TestFiles::read(result).contains(text);
+    };
+    const bool begins = QTest::qWaitFor([&] { return hasWritten("A send to B 1"); });
+    append(path, line('E', "pluginMangerBase", QByteArray(Gbk::notALibrary) + "电路.txt"));
+    const bool continues =
+        QTest::qWaitFor([&] { return hasWritten("目标路径内没有库文件！路径：电路.txt\n"); });
+    std::raise(SIGINT);
+    follower.join();
+    QVERIFY(begins);
+    QVERIFY(continues);
+    QCOMPARE(status, 1);
+    // The report comes at the end.
+    QVERIFY(hasWritten("\n  电路.txt\n    no-library-name: once, "));
+    QVERIFY(hasWritten("1 failed load, 0 other errors, 1 message\n"));
+}
+
+int main(int argc, char **argv)
+{
+    return runTest<tst_LogReport>(argc, argv);
+}
+
+#include "tst_logreport.moc"
