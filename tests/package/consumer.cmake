@@ -41,17 +41,51 @@ function(build_by_cmake)
     run_host(${scratchDir}/build/host)
 endfunction()
 
-# The project that the guides quote.
-function(build_guide)
-    set(build ${scratchDir}/guide)
-    run(${CMAKE_COMMAND} -S ${testDir}/guide -B ${build} -G ${generator} ${ARGN} ${cross}
+# Types the project of the guides in `docs`: their quotes of guide/, in the order in which they come.
+function(type_guides docs)
+    foreach(guide host-guide.md plugin-guide.md)
+        file(READ ${docs}/${guide} text)
+        while(text MATCHES "<!-- quote tests/package/guide/([^ ]+)[^\n]*\n```[a-z]+\n")
+            set(file ${scratchDir}/guide/${CMAKE_MATCH_1})
+            string(FIND "${text}" "${CMAKE_MATCH_0}" begin)
+            string(LENGTH "${CMAKE_MATCH_0}" length)
+            math(EXPR begin "${begin} + ${length}")
+            string(SUBSTRING "${text}" ${begin} -1 text)
+            string(FIND "${text}" "```\n" end)
+            string(SUBSTRING "${text}" 0 ${end} quote)
+            file(APPEND ${file} "${quote}\n")
+        endwhile()
+    endforeach()
+endfunction()
+
+# Fails unless the typed project is that in guide/, which is also installed as an example.
+function(compare_with_guide)
+    file(GLOB sources RELATIVE ${testDir}/guide ${testDir}/guide/*)
+    foreach(source IN LISTS sources)
+        file(READ ${testDir}/guide/${source} expected)
+        file(READ ${scratchDir}/guide/${source} typed)
+        string(REGEX REPLACE "(//|#)! [^\n]*\n" "" expected "${expected}")
+        string(REGEX REPLACE "\n+$" "\n" typed "${typed}")
+        if(NOT typed STREQUAL expected)
+            message(FATAL_ERROR "the guides have\n${typed}\nas ${source}, which should be\n${expected}")
+        endif()
+    endforeach()
+endfunction()
+
+# The project of the guides, as somebody types it who reads them. The host checks itself.
+function(build_guide docs)
+    type_guides(${docs})
+    compare_with_guide()
+    file(APPEND ${scratchDir}/guide/CMakeLists.txt "target_sources(host PRIVATE [[${testDir}/guidecheck.cpp]])\n")
+    set(build ${scratchDir}/guide/build)
+    run(${CMAKE_COMMAND} -S ${scratchDir}/guide -B ${build} -G ${generator} ${ARGN} ${cross}
         -D CMAKE_CXX_COMPILER=${compiler}
         "-DCMAKE_CXX_FLAGS=${flags} -Wall -Wextra -Wpedantic -Werror"
         -D CMAKE_BUILD_TYPE=${buildType})
     run(${CMAKE_COMMAND} --build ${build})
     place_runtime(${build}/run)
     run(${CMAKE_COMMAND} -E env --unset=PLUGINMANGER_PATH
-        ${emulator} ${build}/run/host${suffix} -platform offscreen --check)
+        ${emulator} ${build}/run/host${suffix} -platform offscreen)
 endfunction()
 
 # The commands of somebody who has no build system.
@@ -109,12 +143,13 @@ if(mode STREQUAL "installed")
     run(${CMAKE_COMMAND} --install ${buildDir} --prefix ${scratchDir}/installed)
     file(RENAME ${scratchDir}/installed ${scratchDir}/moved)
     build_by_cmake(-D CMAKE_PREFIX_PATH=${scratchDir}/moved)
-    build_guide(-D CMAKE_PREFIX_PATH=${scratchDir}/moved)
+    file(GLOB docs ${scratchDir}/moved/share/doc/*/docs)
+    build_guide(${docs} -D CMAKE_PREFIX_PATH=${scratchDir}/moved)
     if(hasPkgConfig)
         build_by_pkg_config(${scratchDir}/moved)
     endif()
 else()
     build_by_cmake()
-    build_guide()
+    build_guide(/usr/share/doc/pluginmanger-doc/docs)
     build_by_pkg_config()
 endif()

@@ -5,12 +5,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLayout>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QPointer>
-#include <QTimer>
 #include <QToolBar>
 
 #include <glog/logging.h>
@@ -63,9 +60,17 @@ void addMenu(QTpluginsManger4CAM *manager, QMainWindow &window, QWidget *frame)
 }
 //! [menu]
 
+//! [close]
+/// Closes all steps of a job: the manager forgets its frames, then tells each of them.
+void closeJob(QTpluginsManger4CAM *manager, const QString &job)
+{
+    manager->Ov_DeleteTreeNode("Matrix", job);
+}
+//! [close]
+
 //! [desktop]
 /// Loads the desktop tools and places what they build. Qt looks for them in its library paths.
-QTpluginsManger *startDesktop(QMainWindow &window)
+void startDesktop(QMainWindow &window)
 {
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath());
     QTpluginsManger *const manager = QTpluginsManger::instance();
@@ -77,33 +82,8 @@ QTpluginsManger *startDesktop(QMainWindow &window)
         window.addToolBar(manager->m_fileProcessResult1);
     if (manager->m_fileProcessResult2)
         window.menuBar()->addMenu(manager->m_fileProcessResult2);
-    return manager;
 }
 //! [desktop]
-
-//! [close]
-/// Closes all steps of a job: the manager forgets its frames, then tells each of them.
-void closeJob(QTpluginsManger4CAM *manager, const QString &job)
-{
-    manager->Ov_DeleteTreeNode("Matrix", job);
-}
-//! [close]
-
-/// What a user would do, for those who have no screen. Returns whether all of it had its effect.
-bool check(QTpluginsManger4CAM *manager, QTpluginsManger *desktop, QMainWindow &window, QWidget *frame)
-{
-    QMenu *const menu = manager->Ov_RegisterCAMMenuFile(&window);
-    menu->actions().constFirst()->trigger();
-    const bool told = frame->findChild<QLabel *>()->text() == "Say hello";
-
-    desktop->m_fileProcessResult1->actions().constFirst()->trigger();
-    const bool answered = desktop->m_fileProcessObject->objectName() == "1";
-
-    const QPointer<QWidget> closed = frame;
-    closeJob(manager, "board");
-    QCoreApplication::sendPostedEvents(frame, QEvent::DeferredDelete);
-    return told && answered && closed.isNull();
-}
 
 //! [main]
 int main(int argc, char **argv)
@@ -119,13 +99,8 @@ int main(int argc, char **argv)
     if (!frame)
         return 1;
     addMenu(manager, window, frame);
-    QTpluginsManger *const desktop = startDesktop(window);
+    startDesktop(window);
     window.show();
-    //! [main]
-
-    if (application.arguments().contains("--check"))
-        return check(manager, desktop, window, frame) ? 0 : 1;
-    //! [end]
     return application.exec();
 }
-//! [end]
+//! [main]
