@@ -18,7 +18,7 @@ expect_content(folder/pluginconfig4CAM.json [=[
 {
     "pluginList": [
         { "name": "Graphic_View", "version": "1.0", "dependencies": [] },
-        { "name": "ORVIK-Matrix", "version": "2.0 beta", "dependencies": [{ "name": "Graphic_MiniMap", "version": "1.10" }, { "name": "Elsewhere", "version": "7" }, { "name": "Graphic_View", "version": "1.0" }] },
+        { "name": "ORVIK-Matrix", "version": "2.0 beta", "dependencies": [{ "name": "Graphic_MiniMap", "version": "1.10" }, { "name": "Elsewhere", "version": "7" }, { "name": "Graphic_View", "version": "1.0" }, { "name": "Graphic_View_2", "version": "1" }] },
         { "name": "Graphic_MiniMap", "version": "1.10", "dependencies": [{ "name": "Graphic_View", "version": "1.0" }] }
     ]
 }
