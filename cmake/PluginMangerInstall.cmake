@@ -64,11 +64,32 @@ if(PLUGINMANGER_BUILD_TOOLS)
 endif()
 
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT examples)
+install(FILES cmake/PluginMangerCompileOptions.cmake cmake/PluginMangerWindowsRuntime.cmake
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/cmake
+    COMPONENT examples)
 install(DIRECTORY tests/package/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT examples)
 install(FILES README.md README.zh-CN.md CHANGELOG.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT documentation)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation PATTERN Doxyfile EXCLUDE)
+
+# install_links(<component> <document>...): the links in the documents of a component.
+function(install_links component)
+    install(CODE "
+        set(documents [[${ARGN}]])
+        set(sourceDir [[${PROJECT_SOURCE_DIR}]])
+        set(docDir [[${CMAKE_INSTALL_DOCDIR}]])
+        set(headerDir [[${headerDir}]])
+        set(dataDir [[${dataDir}]])
+        include([[${PROJECT_SOURCE_DIR}/cmake/PluginMangerInstallDocuments.cmake]])"
+        COMPONENT ${component})
+endfunction()
+
+foreach(folder docs examples)
+    file(GLOB_RECURSE ${folder} RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${folder}/*.md)
+endforeach()
+install_links(documentation README.md README.zh-CN.md CHANGELOG.md ${docs})
+install_links(examples ${examples})
 
 if(PLUGINMANGER_BUILD_REFERENCE)
     find_program(DOXYGEN doxygen REQUIRED)

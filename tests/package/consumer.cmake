@@ -88,6 +88,16 @@ function(build_guide docs)
         ${emulator} ${build}/run/host${suffix} -platform offscreen)
 endfunction()
 
+# The installed examples. Two plug-ins stand for all, which take as long as everything else here together.
+function(build_examples examples)
+    set(build ${scratchDir}/examples)
+    run(${CMAKE_COMMAND} -S ${examples} -B ${build} -G ${generator} ${ARGN}
+        -D CMAKE_CXX_COMPILER=${compiler}
+        -D CMAKE_CXX_FLAGS=${flags}
+        -D CMAKE_BUILD_TYPE=${buildType})
+    run(${CMAKE_COMMAND} --build ${build} --target plugin_Graphic_Tips plugin_Toolbar_Edit)
+endfunction()
+
 # The commands of somebody who has no build system.
 function(build_by_pkg_config)
     set(pkgConfig pkg-config)
@@ -146,6 +156,9 @@ if(mode STREQUAL "installed")
     file(GLOB docs ${scratchDir}/moved/share/doc/*/docs)
     build_guide(${docs} -D CMAKE_PREFIX_PATH=${scratchDir}/moved)
     if(hasPkgConfig)
+        get_filename_component(folder ${docs} DIRECTORY)
+        run(${testDir}/../docs/links ${folder})
+        build_examples(${folder}/examples -D CMAKE_PREFIX_PATH=${scratchDir}/moved)
         build_by_pkg_config(${scratchDir}/moved)
     endif()
 else()
