@@ -5,8 +5,8 @@
 #include "private/elementFactories_p.h"
 #include "private/frameFactories_p.h"
 #include "private/logTexts_p.h"
-#include "private/nameText_p.h"
 #include "private/messageTypes_p.h"
+#include "private/nameText_p.h"
 #include "private/registry_p.h"
 #include "private/resolve_p.h"
 
