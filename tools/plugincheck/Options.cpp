@@ -143,10 +143,6 @@ ParsedOptions parseOptions(const QStringList &arguments)
     if (!named)
         return refused(QStringLiteral("there is no format \"%1\"").arg(parser.value(format)));
     options.format = *named;
-#ifndef PLUGINCHECK_HAS_PAGES
-    if (options.format == Format::Dot || options.format == Format::Html)
-        return refused(QStringLiteral("this build writes neither dot nor html"));
-#endif
     options.probe = parser.isSet(probe);
     if (options.probe && options.libraryDirectories.isEmpty())
         return refused(QStringLiteral("--probe needs --library-dir"));

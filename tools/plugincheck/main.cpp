@@ -1,14 +1,11 @@
 #include "ConfigurationChecks.h"
+#include "Graph.h"
 #include "LibraryChecks.h"
+#include "LogCommand.h"
 #include "Options.h"
 #include "Probe.h"
+#include "ReportPage.h"
 #include "TextReport.h"
-
-#ifdef PLUGINCHECK_HAS_PAGES
-#    include "Graph.h"
-#    include "LogCommand.h"
-#    include "ReportPage.h"
-#endif
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QJsonDocument>
@@ -58,16 +55,10 @@ QByteArray formatted(const Report &report, const Options &options)
         return textReport(report, options.inColor).toUtf8();
     case Format::Json:
         return QJsonDocument(report.toJson()).toJson();
-#ifdef PLUGINCHECK_HAS_PAGES
     case Format::Dot:
         return dependencyGraph(report.toJson());
     case Format::Html:
         return reportPage(report.toJson());
-#else
-    case Format::Dot:
-    case Format::Html:
-        break;
-#endif
     }
     return {};
 }
@@ -83,10 +74,8 @@ int main(int argc, char **argv)
 
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-#ifdef PLUGINCHECK_HAS_PAGES
     if (arguments.value(1) == QLatin1String("log"))
         return runLogCommand(arguments.mid(2));
-#endif
     const ParsedOptions parsed = parseOptions(arguments);
     if (!parsed.options) {
         const int status = print(parsed.text.toUtf8(), parsed.exitStatus == 0 ? stdout : stderr);
