@@ -51,13 +51,26 @@ qint64 elfLength(const Numbers &number)
     return length;
 }
 
-/// The same for a PE file, by the raw data of its sections.
+/// How far the table of symbols in a PE file reaches, with the texts behind it, which begin with their
+/// length.
+qint64 peSymbolsEnd(const Numbers &number, qint64 header)
+{
+    constexpr qint64 symbolSize = 18;
+    constexpr qint64 leastLengthOfTexts = 4;
+    const qint64 symbols = number.at<quint32>(header + 12);
+    if (symbols == 0)
+        return 0;
+    const qint64 texts = symbols + symbolSize * number.at<quint32>(header + 16);
+    return texts + std::max(leastLengthOfTexts, number.at<quint32>(texts));
+}
+
+/// The same for a PE file, by the raw data of its sections and its symbols.
 qint64 peLength(const Numbers &number)
 {
     const qint64 header = number.at<quint32>(60);
     const qint64 sections = header + 24 + number.at<quint16>(header + 20);
     const qint64 sectionCount = number.at<quint16>(header + 6);
-    qint64 length = sections + 40 * sectionCount;
+    qint64 length = std::max(sections + 40 * sectionCount, peSymbolsEnd(number, header));
     for (qint64 i = 0; i < sectionCount; ++i) {
         const qint64 section = sections + 40 * i;
         length = std::max(length, number.at<quint32>(section + 16) + number.at<quint32>(section + 20));

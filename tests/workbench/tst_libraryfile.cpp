@@ -17,6 +17,7 @@ private slots:
     void otherFilesAreNoLibraries();
     void missingFileCannotBeRead();
     void cutOffPeFileIsDamaged();
+    void peFileWithoutItsSymbolsIsDamaged();
 
 private:
     const QString m_library = QStringLiteral(EXAMPLE_PLUGIN_DIR "/Graphic_View.dll");
@@ -68,26 +69,54 @@ void tst_LibraryFile::missingFileCannotBeRead()
     QVERIFY(LibraryFile::damage(m_directory.filePath("missing.dll")).startsWith("The file cannot be read: "));
 }
 
-/// A header at 64 that promises one section with 512 bytes at 1024.
-void tst_LibraryFile::cutOffPeFileIsDamaged()
+namespace {
+
+void put(QByteArray &bytes, int position, quint32 value)
 {
-    QByteArray bytes(1536, '\0');
-    const auto put = [&bytes](int position, quint32 value) {
-        for (int i = 0; i < 4; ++i)
-            bytes[position + i] = static_cast<char>(value >> (8 * i));
-    };
+    for (int i = 0; i < 4; ++i)
+        bytes[position + i] = static_cast<char>(value >> (8 * i));
+}
+
+/// A header at 64 that promises one section with 512 bytes at 1024.
+QByteArray peFile(int length)
+{
+    QByteArray bytes(length, '\0');
     bytes.replace(0, 2, "MZ");
-    put(60, 64);
+    put(bytes, 60, 64);
     bytes.replace(64, 4, QByteArray("PE\0\0", 4));
     bytes[64 + 6] = 1;
-    put(64 + 24 + 16, 512);
-    put(64 + 24 + 20, 1024);
+    put(bytes, 64 + 24 + 16, 512);
+    put(bytes, 64 + 24 + 20, 1024);
+    return bytes;
+}
 
+}
+
+void tst_LibraryFile::cutOffPeFileIsDamaged()
+{
     const QString path = m_directory.filePath("pe.dll");
+    const QByteArray bytes = peFile(1536);
     TestFiles::write(path, bytes);
     QCOMPARE(LibraryFile::damage(path), QString());
     TestFiles::write(path, bytes.left(1535));
     QCOMPARE(LibraryFile::damage(path), QStringLiteral("The file is cut off: it has 1,535 of 1,536 bytes."));
+}
+
+/// Ten symbols of 18 bytes behind the section, and 84 bytes of texts behind them.
+void tst_LibraryFile::peFileWithoutItsSymbolsIsDamaged()
+{
+    QByteArray bytes = peFile(1800);
+    put(bytes, 64 + 12, 1536);
+    put(bytes, 64 + 16, 10);
+    put(bytes, 1716, 84);
+
+    const QString path = m_directory.filePath("pe.dll");
+    TestFiles::write(path, bytes);
+    QCOMPARE(LibraryFile::damage(path), QString());
+    TestFiles::write(path, bytes.left(1799));
+    QCOMPARE(LibraryFile::damage(path), QStringLiteral("The file is cut off: it has 1,799 of 1,800 bytes."));
+    TestFiles::write(path, bytes.left(1716));
+    QVERIFY(LibraryFile::damage(path).startsWith("The file is cut off: it has 1,716 of "));
 }
 
 int main(int argc, char **argv)

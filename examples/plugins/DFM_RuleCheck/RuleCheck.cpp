@@ -196,7 +196,7 @@ void RuleCheck::exportReport()
     const QString file = QFileDialog::getSaveFileName(
         this, tr("Export report"), m_jobName + QLatin1String("-dfm.txt"), tr("Texts (*.txt)"));
     QFile report(file);
-    if (file.isEmpty() || !report.open(QIODevice::WriteOnly | QIODevice::Text))
+    if (file.isEmpty() || !report.open(QIODevice::WriteOnly))
         return;
     QTextStream out(&report);
     out.setCodec("UTF-8");

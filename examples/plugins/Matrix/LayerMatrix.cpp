@@ -206,7 +206,7 @@ void LayerMatrix::save()
     const QString path = QFileDialog::getSaveFileName(
         this, tr("Save matrix"), m_jobName + QLatin1String("-matrix.csv"), tr("Tables (*.csv)"));
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::WriteOnly | QIODevice::Text))
+    if (path.isEmpty() || !file.open(QIODevice::WriteOnly))
         return;
     QTextStream out(&file);
     out.setCodec("UTF-8");
