@@ -1,6 +1,7 @@
 #include "DesktopTools.h"
 
 #include "Account.h"
+#include "Post.h"
 #include "hostMessage.h"
 
 #include <ProcessBar_Process.h>
@@ -46,9 +47,10 @@ QVector<DesktopTool> desktopTools(const QTpluginsManger &manager)
 
 /// The manager hands over nothing of a plug-in that is no tool. Messages reach it all the same, and what it
 /// says to this one stands in the status display.
-bool introducesItself(QTpluginsManger *manager, const char *plugin)
+bool introducesItself(QTpluginsManger *manager, Post &post, const char *plugin)
 {
-    manager->recMegfromPlugin(hostMessage(plugin, MessageType::RunCommand, {{"Command", "introduce"}}));
+    const PluginMetaData message = hostMessage(plugin, MessageType::RunCommand, {{"Command", "introduce"}});
+    post.deliver("recMegfromPlugin", message, [&] { manager->recMegfromPlugin(message); });
     const auto *const text = manager->m_statusResult
                                  ? manager->m_statusResult->findChild<QLabel *>(QStringLiteral("text"))
                                  : nullptr;
@@ -57,7 +59,7 @@ bool introducesItself(QTpluginsManger *manager, const char *plugin)
 
 }
 
-void tellDesktopTools(QTpluginsManger *manager, Account &account)
+void tellDesktopTools(QTpluginsManger *manager, Post &post, Account &account)
 {
     const QVector<int> widths{26, 22, 20, 11};
     account.heading(QStringLiteral("Desktop tools"));
@@ -66,7 +68,7 @@ void tellDesktopTools(QTpluginsManger *manager, Account &account)
         const bool good = tool.object && tool.handedOver;
         account.row({tool.library, tool.interfaceName, tool.builds, good ? "yes" : "no"}, widths, good);
     }
-    const bool answers = introducesItself(manager, "Plating_Area");
+    const bool answers = introducesItself(manager, post, "Plating_Area");
     account.row({"Plating_Area.dll", "none", "answers messages", answers ? "yes" : "no"}, widths, answers);
     account.fact(QStringLiteral("Progress display comes from"),
                  manager->m_processBar

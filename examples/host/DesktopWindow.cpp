@@ -53,14 +53,21 @@ void DesktopWindow::place(const QTpluginsManger &manager)
 }
 
 /// Actions are their plug-ins' own; all else is this window's. What the menu bar's plug-in has put into the
-/// status bar goes with it.
-void DesktopWindow::clear()
+/// status bar goes with it. The manager forgets only what is its own, and sets these anew for tools that do
+/// load again.
+void DesktopWindow::clear(QTpluginsManger &manager)
 {
     qDeleteAll(findChildren<QToolBar *>(QString(), Qt::FindDirectChildrenOnly));
     qDeleteAll(menuBar()->findChildren<QMenu *>(QString(), Qt::FindDirectChildrenOnly));
     qDeleteAll(findChildren<QDockWidget *>(QString(), Qt::FindDirectChildrenOnly));
     setCentralWidget(nullptr);
     delete statusBar();
+    for (QMenu **const menu : {&manager.m_menuBarResult1, &manager.m_menuBarResult2,
+                               &manager.m_menuBarResult3, &manager.m_fileProcessResult2})
+        *menu = nullptr;
+    for (QWidget **const widget : {&manager.m_pnListResult, &manager.m_viewResult, &manager.m_statusResult})
+        *widget = nullptr;
+    manager.m_fileProcessResult1 = nullptr;
 }
 
 /// A menu bar shows menus, but does not own them.

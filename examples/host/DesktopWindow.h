@@ -14,8 +14,8 @@ public:
 
     /// Takes what the manager holds. Tools that are not loaded leave their places empty.
     void place(const QTpluginsManger &manager);
-    /// Gives up everything that plug-ins have made, before they are loaded again.
-    void clear();
+    /// Deletes everything that plug-ins have made, before they are loaded again.
+    void clear(QTpluginsManger &manager);
 
 private:
     void placeMenu(QMenu *menu);

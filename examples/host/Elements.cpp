@@ -1,13 +1,14 @@
 #include "Elements.h"
 
 #include "Account.h"
+#include "Post.h"
 
 #include <QtWidgets/QWidget>
 
 #include <algorithm>
 
-Elements::Elements(QTpluginsManger4CAM *manager)
-    : m_manager(manager)
+Elements::Elements(Post &post)
+    : m_post(post)
 {
     for (const ElementRegistration &registration : elementRegistrations())
         m_tallies.push_back({registration});
@@ -22,8 +23,12 @@ QVector<Element> Elements::registerFor(FrameKind kind, QWidget *frame, const QSt
             registration.frame == kind || (kind == FrameKind::Preview && isInPreview(registration));
         if (!isWanted)
             continue;
-        QObject *const object = registration.call(m_manager, frame, job.toStdString());
-        QObject *const again = registration.call(m_manager, frame, job.toStdString());
+        QObject *object = nullptr;
+        QObject *again = nullptr;
+        m_post.guard(registration.operation, QLatin1String(registration.library), [&] {
+            object = registration.call(m_post.manager(), frame, job.toStdString());
+            again = registration.call(m_post.manager(), frame, job.toStdString());
+        });
 
         ++tally.frames;
         if (!object || !object->metaObject()->inherits(registration.elementType))

@@ -5,6 +5,7 @@
 #include <QtCore/QVector>
 
 class Account;
+class Post;
 
 /// An element that a frame has got, and where in the frame it goes.
 struct Element
@@ -18,7 +19,7 @@ struct Element
 class Elements
 {
 public:
-    explicit Elements(QTpluginsManger4CAM *manager);
+    explicit Elements(Post &post);
 
     /// Everything that there is for this kind of frame, which becomes its parent.
     QVector<Element> registerFor(FrameKind kind, QWidget *frame, const QString &job);
@@ -38,6 +39,6 @@ private:
         bool isGood() const { return frames > 0 && madeOnce == frames; }
     };
 
-    QTpluginsManger4CAM *m_manager;
+    Post &m_post;
     std::vector<Tally> m_tallies;
 };

@@ -57,7 +57,7 @@ Places makeGraphicPlaces(QMainWindow *frame, bool isPreview)
     QDockWidget *const overview = makeOverview(frame, places);
     overview->setMaximumHeight(10 * frame->fontMetrics().height());
     if (isPreview)
-        overview->setMaximumWidth(26 * frame->fontMetrics().averageCharWidth());
+        overview->setMaximumWidth(32 * frame->fontMetrics().averageCharWidth());
     frame->statusBar()->addWidget(makePanel(places.makeBox(Place::StatusBar, Qt::Horizontal)));
     return places;
 }

@@ -1,5 +1,6 @@
 #include "JobTree.h"
 
+#include "ManagerMessages.h"
 #include "Post.h"
 #include "Workspace.h"
 #include "hostMessage.h"
@@ -33,8 +34,9 @@ bool JobTree::isFreeStepName(const QString &job, const QString &name) const
 /// The manager tells the matrix, the job lists and the guide. The others are the host's to tell.
 void JobTree::renameJob(const QString oldName, const QString newName)
 {
-    m_post.call("OV_ChangeJobNameAndUpdateJob", oldName + QStringLiteral(", ") + newName,
-                [&] { m_manager->OV_ChangeJobNameAndUpdateJob(oldName, newName); });
+    if (m_post.call("OV_ChangeJobNameAndUpdateJob", oldName + QStringLiteral(", ") + newName,
+                    [&] { m_manager->OV_ChangeJobNameAndUpdateJob(oldName, newName); }))
+        m_post.noteSent("OV_ChangeJobNameAndUpdateJob", ManagerMessages::whenJobRenamed(oldName, newName));
     for (Frame *const frame : m_workspace.framesOf(oldName))
         frame->job = newName;
 
@@ -54,7 +56,9 @@ void JobTree::renameStep(const QString job, const QString oldName, const QString
                 [&] { m_manager->Ov_ChangeStepName(job, oldName, newName); });
     const Frame *const dfmFrame = m_workspace.find(FrameKind::Dfm, job, oldName);
     if (dfmFrame && dfmFrame->belongsToRoot)
-        m_manager->Ov_ChangeStepName(job, dfmStepName(oldName), dfmStepName(newName));
+        m_post.call("Ov_ChangeStepName",
+                    QStringLiteral("%1, %2, %3").arg(job, dfmStepName(oldName), dfmStepName(newName)),
+                    [&] { m_manager->Ov_ChangeStepName(job, dfmStepName(oldName), dfmStepName(newName)); });
 
     const QMap<QString, QVariant> names{{"OldStepName", oldName}, {"ChangeStepName", newName}};
     for (const char *const library : {"Graphic_View.dll", "Graphic_JobList.dll"})
@@ -79,8 +83,10 @@ void JobTree::renameStep(const QString job, const QString oldName, const QString
 
 void JobTree::deleteJob(const QString job)
 {
-    m_post.call("Ov_DeleteTreeNode", QStringLiteral("Matrix, ") + job,
-                [&] { m_manager->Ov_DeleteTreeNode(QStringLiteral("Matrix"), job); });
+    QList<Frame *> frames = m_workspace.framesOf(job);
+    const auto isApart = [](const Frame *frame) { return !frame->belongsToRoot; };
+    frames.erase(std::remove_if(frames.begin(), frames.end(), isApart), frames.end());
+    deleteNode("Matrix", job, frames);
     for (const Frame *const frame : m_workspace.framesOf(job)) {
         if (frame->kind == FrameKind::Dfm && !frame->belongsToRoot)
             m_workspace.close(*frame);
@@ -91,8 +97,7 @@ void JobTree::deleteJob(const QString job)
 
 void JobTree::deleteStep(const QString job, const QString step)
 {
-    m_post.call("Ov_DeleteTreeNode", QStringLiteral("Graphic, ") + stepName(job, step),
-                [&] { m_manager->Ov_DeleteTreeNode(QStringLiteral("Graphic"), stepName(job, step)); });
+    deleteNode("Graphic", stepName(job, step), {m_workspace.find(FrameKind::Graphic, job, step)});
     for (const Frame *const frame : m_workspace.framesOf(job)) {
         if (frame->step != step)
             continue;
@@ -154,6 +159,21 @@ void JobTree::useUnit(const QString &unit)
                                                {{"DstType", "Graphic"}, {"Unit", unit}});
     for (const QString &job : m_workspace.jobs())
         m_post.toFramesOfJob(job, message);
+}
+
+/// A frame that throws when it is told leaves those after it as they were; it is out of the registry itself.
+void JobTree::deleteNode(const char *kind, const QString &name, const QList<Frame *> &frames)
+{
+    const auto deleteOnce = [&] {
+        return m_post.call("Ov_DeleteTreeNode", QLatin1String(kind) + QStringLiteral(", ") + name,
+                           [&] { m_manager->Ov_DeleteTreeNode(QLatin1String(kind), name); });
+    };
+    if (deleteOnce()) {
+        m_post.noteSent("Ov_DeleteTreeNode", ManagerMessages::whenClosed(frames));
+        return;
+    }
+    for (int attempts = 0; attempts < frames.size() && !deleteOnce(); ++attempts) {
+    }
 }
 
 /// To the graphic and DFM frames themselves.

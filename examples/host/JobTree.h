@@ -34,6 +34,7 @@ public:
     void useUnit(const QString &unit);
 
 private:
+    void deleteNode(const char *kind, const QString &name, const QList<Frame *> &frames);
     void tellFrames(const QString &job, qint32 type, QMap<QString, QVariant> data);
     void tell(const char *kind, const QString &job, const char *library, qint32 type,
               QMap<QString, QVariant> data);

@@ -20,7 +20,7 @@ void Mailbox::forward(const PluginMetaData &message)
 {
     QTpluginsManger4CAM *const manager = m_post.manager();
     if (message.data.contains(QStringLiteral("DstType")))
-        m_post.deliver("pluginTransmitData", message, [&] { manager->pluginTransmitData(message); });
+        m_post.toFrameOrElement(message);
     else if (message.dst == QLatin1String("ORVIK-GraphicEditor.dll"))
         m_post.deliver("transmitDataToFramework", message,
                        [&] { manager->transmitDataToFramework(m_frame, message); });

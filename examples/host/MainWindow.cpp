@@ -72,9 +72,10 @@ MainWindow::MainWindow()
 void MainWindow::addFrame(FrameKind kind, QWidget *frame)
 {
     QTabWidget *const tabs = m_tabs.value(kind);
-    tabs->addTab(frame, frame->windowTitle());
+    tabs->setTabToolTip(tabs->addTab(frame, frame->windowTitle()), frame->windowTitle());
     connect(frame, &QWidget::windowTitleChanged, this, [=](const QString &title) {
         tabs->setTabText(tabs->indexOf(frame), title);
+        tabs->setTabToolTip(tabs->indexOf(frame), title);
         showTitle(kind);
     });
 }
@@ -122,13 +123,14 @@ void MainWindow::arrangeDocks()
     QList<QDockWidget *> docks;
     QList<int> widths;
     QList<int> heights;
+    // In characters and lines, so that there is room for texts of any size.
     for (const DockSize &size :
-         {DockSize{"Part", 224, 215}, DockSize{"Guide", 224, 140}, DockSize{"ListBar_PNList", 224, 350},
-          DockSize{"DFM", 280, 680}, DockSize{"Layers", 600, 268}}) {
+         {DockSize{"Part", 32, 14}, DockSize{"Guide", 32, 9}, DockSize{"ListBar_PNList", 32, 23},
+          DockSize{"DFM", 40, 45}, DockSize{"Layers", 86, 18}}) {
         if (auto *const dock = findChild<QDockWidget *>(QLatin1String(size.name))) {
             docks.append(dock);
-            widths.append(size.width);
-            heights.append(size.height);
+            widths.append(size.width * fontMetrics().averageCharWidth());
+            heights.append(size.height * fontMetrics().height());
         }
     }
     resizeDocks(docks, widths, Qt::Horizontal);
@@ -139,6 +141,7 @@ QTabWidget *MainWindow::makeTabs(FrameKind kind)
 {
     auto *const tabs = new QTabWidget;
     tabs->setDocumentMode(true);
+    tabs->setElideMode(Qt::ElideMiddle);
     m_tabs.insert(kind, tabs);
     return tabs;
 }

@@ -1,12 +1,15 @@
 #include "MessageLog.h"
 
+#include "ManagerMessages.h"
 #include "messages.h"
 
 #include <QtCore/QStringList>
 #include <QtGui/QColor>
+#include <QtGui/QFont>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -114,9 +117,18 @@ QVariant MessageLog::data(const QModelIndex &index, int role) const
             return row.time.toString(QStringLiteral("HH:mm:ss.zzz"));
         if (index.column() == OperationColumn && row.isConfirmed)
             return tr("%1, logged").arg(row.cells[OperationColumn]);
+        if (index.column() == OperationColumn && row.isForNobody)
+            return tr("%1, to nobody").arg(row.cells[OperationColumn]);
         return row.cells[index.column()];
     case Qt::ForegroundRole:
+        if (row.isForNobody)
+            return QGuiApplication::palette().color(QPalette::Disabled, QPalette::Text);
         return row.isError ? QVariant(QColor(196, 46, 38)) : QVariant();
+    case Qt::FontRole: {
+        QFont font = QGuiApplication::font();
+        font.setItalic(row.isForNobody);
+        return row.isForNobody ? QVariant(font) : QVariant();
+    }
     case QuietRole:
         return row.type == MessageType::FollowView;
     default:
@@ -136,6 +148,7 @@ void MessageLog::clear()
 {
     beginResetModel();
     m_rows.clear();
+    m_held.clear();
     endResetModel();
 }
 
@@ -147,12 +160,25 @@ QString MessageLog::text(int row) const
     return cells.join(QLatin1Char('\t'));
 }
 
-void MessageLog::note(const QString &operation, const PluginMetaData &message)
+void MessageLog::note(const QString &operation, const PluginMetaData &message, bool isForNobody)
 {
     Row row;
+    row.isForNobody = isForNobody;
     row.type = message.type;
     row.cells[SenderColumn] = message.src.isEmpty() ? tr("Host") : copyOf(message.src);
     row.cells[ReceiverColumn] = copyOf(message.dst);
+    row.cells[TypeColumn] = messageTypeText(message.type);
+    row.cells[DataColumn] = copyOf(dataText(message.data));
+    row.cells[OperationColumn] = operation;
+    append(std::move(row));
+}
+
+void MessageLog::noteFromManager(const QString &operation, const ManagerMessage &message)
+{
+    Row row;
+    row.type = message.type;
+    row.cells[SenderColumn] = tr("Manager");
+    row.cells[ReceiverColumn] = message.library;
     row.cells[TypeColumn] = messageTypeText(message.type);
     row.cells[DataColumn] = copyOf(dataText(message.data));
     row.cells[OperationColumn] = operation;
@@ -182,34 +208,66 @@ void MessageLog::noteError(const QString &unit, const QString &text)
 
 void MessageLog::confirm(const QString &sender, const QString &receiver, qint32 type)
 {
-    for (int row = m_rows.size() - 1; row >= 0; --row) {
-        Row &candidate = m_rows[row];
-        const bool isIt = candidate.type == type && candidate.cells[ReceiverColumn].startsWith(receiver)
-                          && (candidate.cells[SenderColumn].startsWith(sender) || sender.isEmpty());
-        if (!isIt)
-            continue;
-        candidate.isConfirmed = true;
-        emit dataChanged(index(row, OperationColumn), index(row, OperationColumn));
+    const int held = findLast(m_held, sender, receiver, type);
+    if (held >= 0) {
+        m_held[held].isConfirmed = true;
         return;
     }
+    const int row = findLast(m_rows, sender, receiver, type);
+    if (row < 0)
+        return;
+    m_rows[row].isConfirmed = true;
+    emit dataChanged(index(row, OperationColumn), index(row, OperationColumn));
 }
 
 void MessageLog::noteFromDesktop(PluginMetaData message)
 {
-    note(QStringLiteral("recMegfromPlugin"), message);
+    note(QStringLiteral("recMegfromPlugin"), message, !m_desktopPlugins.contains(message.dst));
+}
+
+void MessageLog::setPaused(bool paused)
+{
+    m_paused = paused;
+    if (!paused)
+        insert(std::exchange(m_held, {}));
 }
 
 void MessageLog::append(Row row)
 {
-    if (m_paused)
+    row.time = QTime::currentTime();
+    if (!m_paused) {
+        insert({std::move(row)});
         return;
-    if (m_rows.size() >= mostRows) {
-        beginRemoveRows({}, 0, rowsDroppedAtOnce - 1);
-        m_rows.remove(0, rowsDroppedAtOnce);
+    }
+    if (m_held.size() >= mostRows)
+        m_held.remove(0, rowsDroppedAtOnce);
+    m_held.append(std::move(row));
+}
+
+void MessageLog::insert(const QVector<Row> &rows)
+{
+    if (rows.isEmpty())
+        return;
+    const int excess = m_rows.size() + rows.size() - mostRows;
+    if (excess > 0) {
+        const int dropped = std::min(m_rows.size(), std::max(excess, rowsDroppedAtOnce));
+        beginRemoveRows({}, 0, dropped - 1);
+        m_rows.remove(0, dropped);
         endRemoveRows();
     }
-    row.time = QTime::currentTime();
-    beginInsertRows({}, m_rows.size(), m_rows.size());
-    m_rows.append(std::move(row));
+    beginInsertRows({}, m_rows.size(), m_rows.size() + rows.size() - 1);
+    m_rows += rows;
     endInsertRows();
+}
+
+int MessageLog::findLast(const QVector<Row> &rows, const QString &sender, const QString &receiver,
+                         qint32 type)
+{
+    for (int row = rows.size() - 1; row >= 0; --row) {
+        const Row &candidate = rows.at(row);
+        if (candidate.type == type && candidate.cells[ReceiverColumn].startsWith(receiver)
+            && (candidate.cells[SenderColumn].startsWith(sender) || sender.isEmpty()))
+            return row;
+    }
+    return -1;
 }

@@ -3,15 +3,18 @@
 #include <PluginMetaData.h>
 
 #include <QtCore/QAbstractTableModel>
+#include <QtCore/QStringList>
 #include <QtCore/QTime>
 #include <QtCore/QVector>
+
+struct ManagerMessage;
 
 /// What a message type is called in messages.h, with its number.
 QString messageTypeText(qint32 type);
 
 /**
- * Every message that the host hands to a manager or sees a desktop plug-in send, every error that the library
- * logs, oldest first.
+ * Every message that the host hands to a manager, sees a desktop plug-in send or knows the CAM manager to
+ * send by itself, and every error that the library logs, oldest first.
  *
  * Texts are copied: those of plug-ins may refer to memory that goes when a set is loaded again.
  */
@@ -36,12 +39,17 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-    void setPaused(bool paused) { m_paused = paused; }
+    /// What comes meanwhile is shown when the pause ends.
+    void setPaused(bool paused);
+    /// The names that messages of desktop plug-ins can be for.
+    void setDesktopPlugins(const QStringList &names) { m_desktopPlugins = names; }
     void clear();
     QString text(int row) const;
 
 public slots:
-    void note(const QString &operation, const PluginMetaData &message);
+    /// One that is for nobody vanishes in the manager without a word.
+    void note(const QString &operation, const PluginMetaData &message, bool isForNobody = false);
+    void noteFromManager(const QString &operation, const ManagerMessage &message);
     void noteCall(const QString &operation, const QString &arguments);
     void noteError(const QString &unit, const QString &text);
     /// The library's own trace of a delivery, which belongs to the last message of these names and type.
@@ -56,11 +64,18 @@ private:
         QString cells[ColumnCount];
         qint32 type = 0;
         bool isError = false;
+        bool isForNobody = false;
         bool isConfirmed = false;
     };
 
     void append(Row row);
+    void insert(const QVector<Row> &rows);
+    /// The last row of a message, or -1.
+    static int findLast(const QVector<Row> &rows, const QString &sender, const QString &receiver,
+                        qint32 type);
 
     QVector<Row> m_rows;
+    QVector<Row> m_held;
+    QStringList m_desktopPlugins;
     bool m_paused = false;
 };

@@ -15,6 +15,9 @@ struct Options
 
     bool isAttended() const { return tour.isEmpty(); }
 
-    /// Needs an application. Ends the process when the command line is wrong, or asks for help.
+    /// When the command line asks for help or for the version, answers and ends the process: that needs no
+    /// screen, so it comes before the application.
+    static void answerQuestions(int argc, char **argv);
+    /// Needs an application. Ends the process when the command line is wrong.
     static Options read();
 };

@@ -12,6 +12,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QLibrary>
 #include <QtCore/QPluginLoader>
+#include <QtCore/QSet>
 
 #include <algorithm>
 
@@ -58,14 +59,42 @@ QString PluginCatalog::safeBase()
     const auto isKeptOut = [](const CataloguedPlugin &plugin) {
         return plugin.state == CataloguedPlugin::KeptOut;
     };
-    if (std::none_of(m_plugins.begin(), m_plugins.end(), isKeptOut))
+    for (CataloguedPlugin &plugin : m_plugins)
+        plugin.isListed = plugin.isListed || !isKeptOut(plugin);
+    if (!m_safeBase && std::none_of(m_plugins.begin(), m_plugins.end(), isKeptOut))
         return m_base;
-    m_safeBase = std::make_unique<QTemporaryDir>();
+    if (!m_safeBase)
+        m_safeBase = std::make_unique<QTemporaryDir>();
     const QString folder = m_safeBase->filePath(QStringLiteral("pluginconfig"));
     QDir().mkpath(folder);
     for (const auto set : {CataloguedPlugin::Cam, CataloguedPlugin::Dfm, CataloguedPlugin::Desktop})
         writeSafeList(set, folder);
     return m_safeBase->path();
+}
+
+bool PluginCatalog::isFitToReload(CataloguedPlugin::Set set)
+{
+    bool isFit = true;
+    for (CataloguedPlugin &plugin : m_plugins) {
+        if (plugin.set != set)
+            continue;
+        examine(plugin);
+        isFit = isFit && (plugin.damage.isEmpty() || !plugin.isListed);
+    }
+    return isFit;
+}
+
+QStringList PluginCatalog::forget(CataloguedPlugin::Set set)
+{
+    QStringList libraries;
+    for (CataloguedPlugin &plugin : m_plugins) {
+        if (plugin.set != set)
+            continue;
+        plugin.ownVersion.clear();
+        m_blamed.remove(plugin.library());
+        libraries.append(plugin.library());
+    }
+    return libraries;
 }
 
 void PluginCatalog::judge(const QTpluginsManger4CAM &cam)
@@ -79,8 +108,12 @@ void PluginCatalog::judge(const QTpluginsManger4CAM &cam)
     emit changed();
 }
 
-void PluginCatalog::blame(const QString &library, const QString &what)
+void PluginCatalog::blame(QString library, const QString &what)
 {
+    if (library.isEmpty())
+        m_otherTroubles.append(what);
+    else if (!library.endsWith(QLatin1String(".dll")))
+        library.append(QStringLiteral(".dll"));
     m_blamed.insert(library, what);
     for (CataloguedPlugin &plugin : m_plugins) {
         if (plugin.library() == library)
@@ -93,10 +126,20 @@ QStringList PluginCatalog::troubled() const
 {
     QStringList names;
     for (const CataloguedPlugin &plugin : m_plugins) {
-        if (plugin.state != CataloguedPlugin::Loaded)
+        if (plugin.state != CataloguedPlugin::Loaded && !names.contains(plugin.name))
             names.append(plugin.name);
     }
+    if (!m_otherTroubles.isEmpty())
+        names.append(tr("one that cannot be told"));
     return names;
+}
+
+int PluginCatalog::libraryCount() const
+{
+    QSet<QString> names;
+    for (const CataloguedPlugin &plugin : m_plugins)
+        names.insert(plugin.name);
+    return names.size();
 }
 
 QStringList PluginCatalog::desktopPlugins() const
@@ -140,17 +183,27 @@ void PluginCatalog::readList(CataloguedPlugin::Set set)
                                 {},
                                 tables.m_dependencies.value(name),
                                 {},
+                                {},
+                                false,
                                 CataloguedPlugin::NotLoaded,
                                 {}};
-        for (const QString &folder : m_folders) {
-            const QString path = QDir(folder).absoluteFilePath(plugin.library());
-            if (plugin.path.isEmpty() && QFile::exists(path))
-                plugin.path = QDir::cleanPath(path);
-        }
-        if (!plugin.path.isEmpty() && !LibraryFile::damage(plugin.path).isEmpty())
-            plugin.state = CataloguedPlugin::KeptOut;
+        examine(plugin);
         m_plugins.append(plugin);
     }
+}
+
+void PluginCatalog::examine(CataloguedPlugin &plugin) const
+{
+    plugin.path.clear();
+    for (const QString &folder : m_folders) {
+        const QString path = QDir(folder).absoluteFilePath(plugin.library());
+        if (plugin.path.isEmpty() && QFile::exists(path))
+            plugin.path = QDir::cleanPath(path);
+    }
+    plugin.damage = plugin.path.isEmpty() ? QString() : LibraryFile::damage(plugin.path);
+    const bool isLoaded = plugin.state >= CataloguedPlugin::Suspicious;
+    if (!isLoaded)
+        plugin.state = plugin.damage.isEmpty() ? CataloguedPlugin::NotLoaded : CataloguedPlugin::KeptOut;
 }
 
 void PluginCatalog::writeSafeList(CataloguedPlugin::Set set, const QString &folder) const
@@ -169,12 +222,14 @@ void PluginCatalog::writeSafeList(CataloguedPlugin::Set set, const QString &fold
 
 void PluginCatalog::judge(CataloguedPlugin &plugin, bool loaded) const
 {
-    if (plugin.state == CataloguedPlugin::KeptOut && !loaded) {
-        plugin.trouble = tr("%1 Copy %2 again from the release, then start again.")
-                             .arg(LibraryFile::damage(plugin.path), plugin.library());
+    if (!plugin.damage.isEmpty() && !loaded) {
+        plugin.state = CataloguedPlugin::KeptOut;
+        plugin.trouble =
+            tr("%1 Copy %2 again from the release, then start again.").arg(plugin.damage, plugin.library());
         return;
     }
-    if (loaded && plugin.ownVersion.isEmpty())
+    // To ask a library is to load it once more.
+    if (loaded && plugin.ownVersion.isEmpty() && plugin.damage.isEmpty())
         plugin.ownVersion = versionOf(plugin.path);
     plugin.trouble = loaded ? whySuspicious(plugin) : whyNotLoaded(plugin);
     plugin.state = !loaded                    ? CataloguedPlugin::NotLoaded
@@ -198,6 +253,10 @@ QString PluginCatalog::whyNotLoaded(const CataloguedPlugin &plugin) const
 QString PluginCatalog::whySuspicious(const CataloguedPlugin &plugin) const
 {
     QStringList troubles;
+    if (!plugin.damage.isEmpty())
+        troubles.append(tr("What is loaded works, but its file was replaced since. %1 Copy %2 again from the "
+                           "release, then reload.")
+                            .arg(plugin.damage, plugin.library()));
     if (plugin.ownVersion != plugin.wantedVersion)
         troubles.append(tr("The file is version %1, %2 asks for %3. Install %3, or correct the list.")
                             .arg(plugin.ownVersion.isEmpty() ? tr("unknown") : plugin.ownVersion,

@@ -24,6 +24,9 @@ struct CataloguedPlugin
     QVariantList dependencies;
     /// Empty when there is none.
     QString path;
+    /// What is wrong with the file itself.
+    QString damage;
+    bool isListed = false;
     State state = NotLoaded;
     /// What is wrong, and what to do about it.
     QString trouble;
@@ -51,12 +54,27 @@ public:
      */
     QString safeBase();
 
+    /**
+     * Looks at the set's files anew, which may have been replaced. False when one is damaged now that the
+     * managers know of: the set must not be loaded again then, since the desktop manager keeps names that a
+     * list no longer has.
+     */
+    bool isFitToReload(CataloguedPlugin::Set set);
+    /// Forgets what is known of the set's plug-ins, which are about to be loaded again.
+    /// Returns their libraries.
+    QStringList forget(CataloguedPlugin::Set set);
+
     /// Finds out what is loaded now, and why the rest is not.
     void judge(const QTpluginsManger4CAM &cam);
-    void blame(const QString &library, const QString &what);
+    /// The library is empty when it is not known, and without ".dll" for those that go by their names.
+    void blame(QString library, const QString &what);
 
     const QVector<CataloguedPlugin> &plugins() const { return m_plugins; }
     QStringList troubled() const;
+    /// How many libraries the lists have. Two lists may have the same.
+    int libraryCount() const;
+    /// What is nobody's fault that is known.
+    const QStringList &otherTroubles() const { return m_otherTroubles; }
     QStringList desktopPlugins() const;
 
     static QString setName(CataloguedPlugin::Set set);
@@ -68,6 +86,7 @@ signals:
 
 private:
     void readList(CataloguedPlugin::Set set);
+    void examine(CataloguedPlugin &plugin) const;
     void writeSafeList(CataloguedPlugin::Set set, const QString &folder) const;
     void judge(CataloguedPlugin &plugin, bool loaded) const;
     QString whyNotLoaded(const CataloguedPlugin &plugin) const;
@@ -78,4 +97,5 @@ private:
     std::unique_ptr<QTemporaryDir> m_safeBase;
     QVector<CataloguedPlugin> m_plugins;
     QMap<QString, QString> m_blamed;
+    QStringList m_otherTroubles;
 };

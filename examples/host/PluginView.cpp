@@ -84,10 +84,16 @@ void PluginView::showPlugins()
         troubles.append(
             QStringLiteral("<li><b>%1</b>: %2</li>").arg(plugin.name, plugin.trouble.toHtmlEscaped()));
     }
+    const QStringList others = m_catalog.otherTroubles();
+    for (const QString &trouble : others)
+        troubles.append(
+            QStringLiteral("<li><b>%1</b>: %2</li>").arg(tr("A plug-in"), trouble.toHtmlEscaped()));
     const int troubled = m_catalog.troubled().size();
-    m_summary->setText(troubled
-                           ? tr("Plug-ins that need attention: %1 of %2").arg(troubled).arg(plugins.size())
-                           : tr("All %1 plug-ins are loaded").arg(plugins.size()));
+    const int libraries = m_catalog.libraryCount();
+    m_summary->setText(troubled ? tr("Plug-ins that need attention: %1 of %2").arg(troubled).arg(libraries)
+                                : tr("All %1 plug-ins are loaded, by %2 entries of the lists")
+                                      .arg(libraries)
+                                      .arg(plugins.size()));
     for (const int column : {NameColumn, SetColumn, StateColumn, VersionColumn})
         m_list->resizeColumnToContents(column);
     m_troubles->setText(QStringLiteral("<ul>%1</ul>").arg(troubles.join(QString())));

@@ -95,32 +95,35 @@ FrameRegistration frameRegistration(FrameKind kind, bool belongsToRoot)
     using Text = const std::string &;
     switch (kind) {
     case FrameKind::Graphic:
-        return {"Ov_RegisterGraphicFramework", [](Manager *manager, QWidget *parent, Text job, Text step) {
+        return {"Ov_RegisterGraphicFramework", "ORVIK-GraphicEditor.dll",
+                [](Manager *manager, QWidget *parent, Text job, Text step) {
                     return manager->Ov_RegisterGraphicFramework(parent, job + " | " + step, false);
                 }};
     case FrameKind::Preview:
-        return {"Ov_RegisterGraphicFramework4Quorel",
+        return {"Ov_RegisterGraphicFramework4Quorel", "ORVIK-GraphicEditor.dll",
                 [](Manager *manager, QWidget *parent, Text job, Text step) {
                     return manager->Ov_RegisterGraphicFramework4Quorel(parent, job, step);
                 }};
     case FrameKind::Dfm:
         if (belongsToRoot)
-            return {"Ov_RegisterDFMGraphicFramework",
+            return {"Ov_RegisterDFMGraphicFramework", "ORVIK-GraphicEditor.dll",
                     [](Manager *manager, QWidget *parent, Text job, Text step) {
                         return manager->Ov_RegisterDFMGraphicFramework(parent, job + " | " + step + " DFM",
                                                                        false);
                     }};
-        return {"Ov_RegisterDFMGraphicFramework4Quorel",
+        return {"Ov_RegisterDFMGraphicFramework4Quorel", "ORVIK-GraphicEditor.dll",
                 [](Manager *manager, QWidget *parent, Text job, Text step) {
                     return manager->Ov_RegisterDFMGraphicFramework4Quorel(parent, job, step);
                 }};
     case FrameKind::Matrix:
-        return {"Ov_RegisterMatrixFramework", [](Manager *manager, QWidget *parent, Text job, Text) {
+        return {"Ov_RegisterMatrixFramework", "ORVIK-Matrix.dll",
+                [](Manager *manager, QWidget *parent, Text job, Text) {
                     return manager->Ov_RegisterMatrixFramework(parent, job);
                 }};
     default:
         // Under this name, and no other, the manager finds the guide of a job.
-        return {"Ov_RegisterGuideFramework", [](Manager *manager, QWidget *parent, Text job, Text) {
+        return {"Ov_RegisterGuideFramework", "Graphic_CamGuide.dll",
+                [](Manager *manager, QWidget *parent, Text job, Text) {
                     return manager->Ov_RegisterGuideFramework(parent, job + "|Guide");
                 }};
     }

@@ -33,6 +33,7 @@ struct FrameRegistration
                                          const std::string &step)>;
 
     const char *operation;
+    const char *library;
     Call call;
 };
 

@@ -228,7 +228,7 @@ void Tour::readMessages()
     auto *const filter = m_workbench.window().findChild<QLineEdit *>(QStringLiteral("filter"));
     filter->setText(QStringLiteral("bottom"));
     takePicture("messages",
-                QStringLiteral("Every message as it is delivered, with a filter, pause, copy and save"));
+                QStringLiteral("Every message as it is sent, with a filter, pause, copy and save"));
     filter->clear();
     m_workbench.window().showMessages(false);
 }

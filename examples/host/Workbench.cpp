@@ -4,6 +4,7 @@
 #include "DesktopWindow.h"
 #include "MainWindow.h"
 #include "StartProfile.h"
+#include "WorkbenchApplication.h"
 #include "WorkbenchWindow.h"
 #include "board.h"
 #include "hostMessage.h"
@@ -34,10 +35,16 @@ Workbench::Workbench(const QString &base, const QStringList &pluginFolders, Star
     , m_commands(std::make_unique<Commands>(post, *m_jobs, *m_workspace, *m_jobTree))
     , m_keyStatus(std::make_unique<KeyStatus>(post, *m_jobs))
 {
-    for (const QString &folder : pluginFolders)
-        QCoreApplication::addLibraryPath(folder);
+    // Each goes before the others, so the first comes last.
+    for (auto folder = pluginFolders.rbegin(); folder != pluginFolders.rend(); ++folder)
+        QCoreApplication::addLibraryPath(*folder);
     qApp->installEventFilter(&m_boxObserver);
     connect(&post, &Post::pluginThrew, &catalog, &PluginCatalog::blame);
+    if (auto *const application = qobject_cast<WorkbenchApplication *>(qApp))
+        connect(application, &WorkbenchApplication::caught, &post,
+                [this](const QString &occasion, const QString &what) {
+                    post.tellThrown("notify", {}, occasion, what);
+                });
     connect(m_workspace.get(), &Workspace::jobShown, this, &Workbench::showJob);
     // Later, since the command comes from an element that is still in the midst of it.
     connect(m_commands.get(), &Commands::reloadDfmRequested, this, &Workbench::reloadDfmPlugins,
@@ -66,9 +73,9 @@ void Workbench::useSafeLists()
 void Workbench::startDesktopTools()
 {
     desktop->getParentWidget(m_points);
-    desktop->loadAllPlugins();
+    post.guard("QTpluginsManger::loadAllPlugins", {}, [this] { desktop->loadAllPlugins(); });
     initDesktopTools();
-    tellDesktopTools(desktop, account);
+    tellDesktopTools(desktop, post, account);
 }
 
 void Workbench::loadCamPlugins()
@@ -117,6 +124,8 @@ void Workbench::judgePlugins()
 /// may be left when it goes.
 void Workbench::reloadDfmPlugins()
 {
+    if (!prepareToReload(CataloguedPlugin::Dfm))
+        return;
     QVector<Frame> open;
     const QList<Frame *> frames = m_workspace->frames(FrameKind::Dfm);
     for (const Frame *const frame : frames) {
@@ -136,7 +145,9 @@ void Workbench::reloadDfmPlugins()
 /// Loading the tools again deletes their root objects, so their widgets go first.
 void Workbench::reloadDesktopTools()
 {
-    m_points->clear();
+    if (!prepareToReload(CataloguedPlugin::Desktop))
+        return;
+    m_points->clear(*desktop);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     post.call("QTpluginsManger::loadAllPlugins", {}, [this] { desktop->loadAllPlugins(); });
     initDesktopTools();
@@ -145,18 +156,34 @@ void Workbench::reloadDesktopTools()
     post.toElementOfRoot(hostMessage("Graphic_Tips.dll", MessageType::ShowText, {{"Text", text}}));
 }
 
+/// What is loaded goes on working when a file is not fit to take its place.
+bool Workbench::prepareToReload(CataloguedPlugin::Set set)
+{
+    if (!catalog.isFitToReload(set)) {
+        judgePlugins();
+        const QString text =
+            tr("Not loaded again: a file is damaged, see %1").arg(WorkbenchWindow::tr("Plug-ins"));
+        post.toElementOfRoot(hostMessage("Graphic_Tips.dll", MessageType::ShowText, {{"Text", text}}));
+        return false;
+    }
+    const QStringList libraries = catalog.forget(set);
+    for (const QString &library : libraries)
+        post.forgive(library);
+    QDir::setCurrent(catalog.safeBase());
+    return true;
+}
+
 void Workbench::initDesktopTools()
 {
     listenToDesktopTools();
-    desktop->initAllPlugins();
-    desktop->initSignalAndSlot();
+    post.guard("initAllPlugins", {}, [this] { desktop->initAllPlugins(); });
+    post.guard("initSignalAndSlot", {}, [this] { desktop->initSignalAndSlot(); });
     m_points->place(*desktop);
     const PluginMetaData message = hostMessage("ListBar_PNList", MessageType::UseFolder,
                                                {{"Folder", QDir(m_base).filePath(QStringLiteral("jobs"))}});
-    log.note(QStringLiteral("recMegfromPlugin"), message);
-    desktop->recMegfromPlugin(message);
+    post.deliver("recMegfromPlugin", message, [&] { desktop->recMegfromPlugin(message); });
     if (ProcessBar_Process *const progress = progressDisplay(*desktop))
-        progress->setValue(0);
+        post.guard("setValue", QStringLiteral("MenuBar_Menu.dll"), [&] { progress->setValue(0); });
 }
 
 /// Before the manager connects itself, so that a message is seen before what it leads to. A loader of one's
@@ -164,16 +191,19 @@ void Workbench::initDesktopTools()
 void Workbench::listenToDesktopTools()
 {
     const QStringList names = catalog.desktopPlugins();
+    QStringList loaded;
     for (const QString &name : names) {
         QPluginLoader loader(name + QStringLiteral(".dll"));
         if (!loader.isLoaded())
             continue;
+        loaded.append(name);
         QObject *const plugin = loader.instance();
         if (plugin && plugin->metaObject()->indexOfSignal("sendMsgToManager(PluginMetaData)") >= 0)
             connect(plugin, SIGNAL(sendMsgToManager(PluginMetaData)), &log,
                     SLOT(noteFromDesktop(PluginMetaData)));
         loader.unload();
     }
+    log.setDesktopPlugins(loaded);
 }
 
 void Workbench::showJob(const QString &job, const QString &file)
@@ -185,6 +215,7 @@ void Workbench::showJob(const QString &job, const QString &file)
         hostMessage("Common_MenuBar_Info.dll", MessageType::ShowJob, {{"JobName", job}, {"Part", text}});
     post.deliver("Eda_setTransmitData", message,
                  [&] { cam->Eda_setTransmitData(QStringLiteral("EngineerRoot"), job, message); });
+    post.toElementOfRoot(hostMessage("CAM_Progress_Dialog.dll", MessageType::ShowJob, {{"JobName", job}}));
     if (!part.number.isEmpty())
         post.toElementOfRoot(hostMessage("ListBar_PNList.dll", MessageType::SelectPart,
                                          {{"Part", part.number}, {"File", file}}));

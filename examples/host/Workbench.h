@@ -67,6 +67,7 @@ public:
     JobTree &jobTree() const { return *m_jobTree; }
 
 private:
+    bool prepareToReload(CataloguedPlugin::Set set);
     void initDesktopTools();
     void listenToDesktopTools();
     void showJob(const QString &job, const QString &file);

@@ -54,8 +54,8 @@ WorkbenchWindow::WorkbenchWindow(QMainWindow *jobs, QMainWindow *points, Message
     QAction *const toggle = m_messages->toggleViewAction();
     toggle->setIcon(glyphIcon(QStringLiteral("messages")));
     toggle->setShortcut(tr("Ctrl+M"));
-    toggle->setToolTip(tr("Every message as it is delivered (%1)")
-                           .arg(toggle->shortcut().toString(QKeySequence::NativeText)));
+    toggle->setToolTip(
+        tr("Every message as it is sent (%1)").arg(toggle->shortcut().toString(QKeySequence::NativeText)));
     m_strip->addAction(toggle);
 
     auto *const column = new QVBoxLayout;

@@ -4,6 +4,7 @@
 #include "FramePlaces.h"
 #include "Mailbox.h"
 #include "MainWindow.h"
+#include "ManagerMessages.h"
 #include "Post.h"
 #include "board.h"
 #include "hostMessage.h"
@@ -22,9 +23,11 @@ Workspace::Workspace(Post &post, MainWindow &window, Account &account, const QSt
     , m_manager(post.manager())
     , m_window(window)
     , m_account(account)
-    , m_elements(m_manager)
+    , m_elements(post)
     , m_jobs(jobs)
 {
+    post.setFinder(
+        [this](const QWidget *frame, const PluginMetaData &message) { return hasReceiver(frame, message); });
     connect(&window, &MainWindow::graphicFrameShown, this, &Workspace::showFramesOf);
     connect(&window, &MainWindow::previewClosed, this, &Workspace::closePreview);
 }
@@ -59,18 +62,24 @@ void Workspace::openPreview(const QString &job)
     if (!window)
         return;
     // As an element, a guide is found by its library's name, as others are.
-    QWidget *const guide = m_manager->Ov_Register_CamGuide("Graphic_CamGuide.dll", window, job.toStdString());
+    const QString library = QStringLiteral("Graphic_CamGuide.dll");
+    QWidget *guide = nullptr;
+    const bool isSound = m_post.call(
+        "Ov_Register_CamGuide", job,
+        [&] { guide = m_manager->Ov_Register_CamGuide(library.toStdString(), window, job.toStdString()); },
+        library);
     if (!guide)
         return;
+    if (isSound)
+        m_post.noteSent("Ov_Register_CamGuide", {{library, MessageType::GuideOpened, {{"JobName", job}}}});
     auto *const dock = new QDockWidget(tr("Guide"), window);
     dock->setObjectName(QStringLiteral("Guide"));
     dock->setWidget(guide);
     dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
-    dock->setMaximumWidth(26 * window->fontMetrics().averageCharWidth());
     window->addDockWidget(Qt::LeftDockWidgetArea, dock);
     Mailbox::giveTo(guide, window, m_post);
-    frame->elements.insert(QStringLiteral("Graphic_CamGuide.dll"), guide);
-    m_post.toElement(window, hostMessage("Graphic_CamGuide.dll", MessageType::TaskDone,
+    frame->elements.insert(library, guide);
+    m_post.toElement(window, hostMessage(library, MessageType::TaskDone,
                                          {{"Task", "layers"}, {"Text", tr("in this preview")}}));
 }
 
@@ -199,24 +208,49 @@ void Workspace::close(const Frame &frame)
 {
     const std::string job = frame.firstJob.toStdString();
     const std::string step = frame.firstStep.toStdString();
-    const QString name = stepName(frame.firstJob, frame.firstStep);
-    if (frame.kind == FrameKind::Preview)
-        m_post.call("Ov_UnRegisterGraphicFramework4Quorel", name,
-                    [&] { m_manager->Ov_UnRegisterGraphicFramework4Quorel(job, step); });
-    else if (!frame.belongsToRoot)
-        m_post.call("Ov_UnRegisterDFMGraphicFramework4Quorel", name,
-                    [&] { m_manager->Ov_UnRegisterDFMGraphicFramework4Quorel(job, step); });
-    else
-        m_post.call("Ov_DeleteTreeNode", stepName(frame.job, dfmStepName(frame.step)), [&] {
-            m_manager->Ov_DeleteTreeNode(QStringLiteral("Graphic"),
-                                         stepName(frame.job, dfmStepName(frame.step)));
-        });
+    const char *operation = "Ov_DeleteTreeNode";
+    QString name = stepName(frame.job, dfmStepName(frame.step));
+    Post::Call call = [&] { m_manager->Ov_DeleteTreeNode(QStringLiteral("Graphic"), name); };
+    if (frame.kind == FrameKind::Preview || !frame.belongsToRoot)
+        name = stepName(frame.firstJob, frame.firstStep);
+    if (frame.kind == FrameKind::Preview) {
+        operation = "Ov_UnRegisterGraphicFramework4Quorel";
+        call = [&] { m_manager->Ov_UnRegisterGraphicFramework4Quorel(job, step); };
+    } else if (!frame.belongsToRoot) {
+        operation = "Ov_UnRegisterDFMGraphicFramework4Quorel";
+        call = [&] { m_manager->Ov_UnRegisterDFMGraphicFramework4Quorel(job, step); };
+    }
+    Frame closed = frame;
+    if (m_post.call(operation, name, call, QStringLiteral("ORVIK-GraphicEditor.dll")))
+        m_post.noteSent(operation, ManagerMessages::whenClosed({&closed}));
     remove(&frame);
 }
 
+/// A frame closes itself when the manager tells it to. One that throws at that would stay.
 void Workspace::remove(const Frame *frame)
 {
+    frame->window->deleteLater();
     m_frames.remove_if([frame](const Frame &candidate) { return &candidate == frame; });
+}
+
+/// The manager drops what is for nobody without a word.
+bool Workspace::hasReceiver(const QWidget *frame, const PluginMetaData &message)
+{
+    const auto text = [&message](const char *key) {
+        return message.data.value(QLatin1String(key)).toString();
+    };
+    const Frame *found = nullptr;
+    if (frame)
+        found = find(frame);
+    else if (text("DstType") == QLatin1String("EngineerRoot"))
+        found = find(FrameKind::Root, {}, {});
+    else if (text("DstType") == QLatin1String("Matrix"))
+        found = find(FrameKind::Matrix, text("JobName"));
+    else if (text("DstType") == QLatin1String("Graphic"))
+        found = find(FrameKind::Graphic, text("JobName"), text("Step"));
+    else if (text("DstType") == QLatin1String("Guide"))
+        return find(FrameKind::Guide, text("JobName")) != nullptr;
+    return found && found->elements.contains(message.dst);
 }
 
 Frame *Workspace::openFrame(FrameKind kind, const QString &job, const QString &step, const QString &file,
@@ -226,17 +260,25 @@ Frame *Workspace::openFrame(FrameKind kind, const QString &job, const QString &s
     QWidget *window = nullptr;
     QWidget *again = nullptr;
     const QString name = step.isEmpty() ? job : stepName(job, step);
-    m_post.call(registration.operation, name, [&] {
-        window = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
-        again = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
-    });
+    const QString library = QLatin1String(registration.library);
+    const auto registerIn = [&](QWidget *&registered) {
+        return [&] {
+            registered = registration.call(m_manager, &m_window, job.toStdString(), step.toStdString());
+        };
+    };
+    const bool isSound = m_post.call(registration.operation, name, registerIn(window), library);
+    m_post.guard(registration.operation, library, registerIn(again));
     const bool once = window && again == window && m_manager->Ov_isRegisterFrame(window);
     m_account.row({registration.operation, name, once ? "yes" : "no"}, {40, 24, 9}, once);
+    // One that threw at the manager's first message is there all the same.
+    window = again;
     if (!window)
         return nullptr;
 
     m_frames.push_back({kind, job, step, file, window, {}, job, step, belongsToRoot});
     Frame &frame = m_frames.back();
+    if (isSound)
+        m_post.noteSent(registration.operation, ManagerMessages::whenOpened(frame));
     place(frame);
     if (kind == FrameKind::Graphic)
         connect(window, SIGNAL(stepRequested(QString, QString)), this, SLOT(showStep(QString, QString)));

@@ -10,6 +10,7 @@
 class MainWindow;
 class Places;
 class Post;
+struct PluginMetaData;
 
 /// What the host has open: its frames, with their elements in their places and connected to the manager.
 class Workspace : public QObject
@@ -50,7 +51,7 @@ public:
     void tellSteps(const QString &job);
     /// Has the manager forget a DFM frame or a preview, and forgets it.
     void close(const Frame &frame);
-    /// Forgets the frame, when the manager has.
+    /// Forgets the frame, when the manager has, and deletes its window.
     void remove(const Frame *frame);
     /// A job that is deleted is not offered again.
     void hideFile(const QString &file) { m_hiddenFiles.append(file); }
@@ -67,6 +68,7 @@ signals:
     void jobShown(const QString &job, const QString &file);
 
 private:
+    bool hasReceiver(const QWidget *frame, const PluginMetaData &message);
     Frame *openFrame(FrameKind kind, const QString &job, const QString &step, const QString &file,
                      bool belongsToRoot = true);
     void place(Frame &frame);

@@ -2,12 +2,12 @@
 #include "StartProfile.h"
 #include "Tour.h"
 #include "Workbench.h"
+#include "WorkbenchApplication.h"
 #include "WorkbenchWindow.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QSettings>
 #include <QtCore/QTimer>
-#include <QtWidgets/QApplication>
 
 #include <glog/logging.h>
 
@@ -48,11 +48,13 @@ void playTour(Workbench &workbench, const Options &options)
 
 int main(int argc, char *argv[])
 {
+    Options::answerQuestions(argc, argv);
+
     StartProfile profile;
     profile.begin(QStringLiteral("Application"));
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
+    WorkbenchApplication application(argc, argv);
     const Options options = Options::read();
     startLog(argv[0], options.log);
     if (!options.isAttended())

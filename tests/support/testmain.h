@@ -6,7 +6,7 @@
 #include <QtWidgets/QApplication>
 
 /// Runs the test functions of an object in this process, under a real application with a real log.
-template <typename Test>
+template <typename Test, typename Application = QApplication>
 int runTest(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
@@ -19,7 +19,7 @@ int runTest(int argc, char **argv)
     qputenv("PATH", QByteArray(LIBRARY_DIRS ";").replace('|', ';') + qgetenv("PATH"));
 #endif
     LogLines::start(argv[0]);
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     Test test;
     return QTest::qExec(&test, argc, argv);
 }
@@ -30,8 +30,8 @@ int runEachInItsOwnProcess(const char *program);
 
 /// Runs each test function of an object, or each row of one, in a process of its own: for what a process can
 /// do only once.
-template <typename Test>
+template <typename Test, typename Application = QApplication>
 int runTestInProcesses(int argc, char **argv)
 {
-    return argc > 1 ? runTest<Test>(argc, argv) : runEachInItsOwnProcess(argv[0]);
+    return argc > 1 ? runTest<Test, Application>(argc, argv) : runEachInItsOwnProcess(argv[0]);
 }

@@ -33,6 +33,9 @@ PartDataView::PartDataView(QWidget *parent)
     auto *const form = new QFormLayout(page);
     form->setContentsMargins(8, 6, 8, 6);
     form->setVerticalSpacing(4);
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    for (QLabel *const label : {m_heading, m_customer, m_size, m_layers, m_finish})
+        label->setWordWrap(true);
     form->addRow(m_heading);
     form->addRow(tr("Customer"), m_customer);
     form->addRow(tr("Board"), m_size);

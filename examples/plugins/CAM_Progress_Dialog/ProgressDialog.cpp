@@ -21,8 +21,10 @@ public:
 
     void setText(const QString &text) { m_text->setText(text); }
     void setPercent(int percent) { m_bar->setValue(percent); }
+    void showJob(const QString &job);
 
 private:
+    QString m_job;
     QLabel *const m_text = new QLabel;
     QProgressBar *const m_bar = new QProgressBar;
 };
@@ -41,6 +43,16 @@ ProgressDialog::ProgressDialog(QWidget *parent)
     m_bar->setMaximumHeight(fontMetrics().height() + 4);
 }
 
+/// What was finished for another job is of no interest any more.
+void ProgressDialog::showJob(const QString &job)
+{
+    if (m_job != job && m_bar->value() == m_bar->maximum()) {
+        m_text->clear();
+        m_bar->reset();
+    }
+    m_job = job;
+}
+
 /// The dialog belongs to its parent.
 extern "C" Q_DECL_EXPORT void *GetPluginInstance(QWidget *parent)
 {
@@ -54,4 +66,6 @@ extern "C" Q_DECL_EXPORT void recMsgFromManager(void *element, PluginMetaData me
         dialog->setText(textParameter(message, "Text"));
     if (message.type == MessageType::ShowProgress)
         dialog->setPercent(parameter(message, "Percent").toInt());
+    if (message.type == MessageType::ShowJob)
+        dialog->showJob(textParameter(message, "JobName"));
 }

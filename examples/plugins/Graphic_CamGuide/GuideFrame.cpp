@@ -33,7 +33,11 @@ GuideFrame::GuideFrame(QWidget *parent)
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_tasks);
+    // What does not fit goes on in the next line.
     m_tasks->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_tasks->setWordWrap(true);
+    m_tasks->setTextElideMode(Qt::ElideNone);
+    m_tasks->setResizeMode(QListView::Adjust);
     addTask("layers", tr("Look at the layers"), tr("Choose one layer after the other in the matrix."));
     addTask("rules", tr("Check the rules"), tr("Press F5, or choose Operate, Run checks in DFM."));
     addTask("compare", tr("Compare jobs"), tr("Press Ctrl+D, or choose Actions, Compare with."));

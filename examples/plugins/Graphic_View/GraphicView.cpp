@@ -22,6 +22,7 @@ constexpr int captionMargin = 4;
 
 const QColor gridColor(36, 43, 53);
 const QColor captionColor(206, 213, 221);
+const QColor captionBackground(16, 20, 26, 210);
 const QColor selectedColor(255, 255, 255);
 const QColor findingColor(255, 92, 80);
 const QColor comparedColor(255, 90, 220);
@@ -57,8 +58,13 @@ GraphicView::GraphicView(QWidget *parent)
 
 QString GraphicView::caption() const
 {
-    return QLatin1String("%1 | %2, %3")
-        .arg(m_jobName, m_stepName, m_highlightedLayer.isEmpty() ? tr("all layers") : m_highlightedLayer);
+    const int shown = visibleLayers().size();
+    QString layers = m_highlightedLayer;
+    if (layers.isEmpty() && shown == m_layers.size())
+        layers = tr("all layers");
+    else if (layers.isEmpty())
+        layers = tr("%1 of %2 layers").arg(shown).arg(m_layers.size());
+    return QLatin1String("%1 | %2, %3").arg(m_jobName, m_stepName, layers);
 }
 
 QStringList GraphicView::visibleLayers() const
@@ -663,10 +669,16 @@ void GraphicView::paintCaptions(QPainter &painter) const
         viewport()->rect().adjusted(2 * captionMargin, captionMargin, -2 * captionMargin, -captionMargin);
     const QFontMetrics metrics(painter.font());
     painter.setPen(captionColor);
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop,
-                     metrics.elidedText(caption(), Qt::ElideRight, area.width()));
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
-                     metrics.elidedText(m_text, Qt::ElideRight, area.width()));
+    const auto paint = [&](const QString &text, int alignment) {
+        if (text.isEmpty())
+            return;
+        const QString shown = metrics.elidedText(text, Qt::ElideRight, area.width());
+        const QRect place = painter.boundingRect(area, alignment, shown);
+        painter.fillRect(place.adjusted(-captionMargin, -1, captionMargin, 1), captionBackground);
+        painter.drawText(place, alignment, shown);
+    };
+    paint(caption(), Qt::AlignLeft | Qt::AlignTop);
+    paint(m_text, Qt::AlignLeft | Qt::AlignBottom);
 }
 
 void GraphicView::paintMarks(QPainter &painter) const
