@@ -69,11 +69,11 @@ MessageView::MessageView(MessageLog &log)
     m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_table->horizontalHeader()->setSectionResizeMode(MessageLog::DataColumn, QHeaderView::Stretch);
     const int character = fontMetrics().averageCharWidth();
-    const QMap<int, int> widths{{MessageLog::TimeColumn, 15},
-                                {MessageLog::SenderColumn, 26},
-                                {MessageLog::ReceiverColumn, 26},
-                                {MessageLog::TypeColumn, 24},
-                                {MessageLog::OperationColumn, 34}};
+    const QMap<int, int> widths{{MessageLog::TimeColumn, 14},
+                                {MessageLog::SenderColumn, 23},
+                                {MessageLog::ReceiverColumn, 23},
+                                {MessageLog::TypeColumn, 18},
+                                {MessageLog::OperationColumn, 23}};
     for (auto width = widths.constBegin(); width != widths.constEnd(); ++width)
         m_table->setColumnWidth(width.key(), width.value() * character);
 

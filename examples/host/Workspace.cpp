@@ -76,6 +76,7 @@ void Workspace::openPreview(const QString &job)
     dock->setObjectName(QStringLiteral("Guide"));
     dock->setWidget(guide);
     dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    dock->setMinimumWidth(24 * window->fontMetrics().averageCharWidth());
     window->addDockWidget(Qt::LeftDockWidgetArea, dock);
     Mailbox::giveTo(guide, window, m_post);
     frame->elements.insert(library, guide);

@@ -18,7 +18,12 @@ public:
     void showText(const QString &text) { m_heading->setText(text); }
     void showPart(const QString &file);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void makeRoom();
+
     QLabel *const m_heading = new QLabel;
     QLabel *const m_customer = new QLabel;
     QLabel *const m_size = new QLabel;
@@ -48,7 +53,6 @@ PartDataView::PartDataView(QWidget *parent)
 
     setWidget(page);
     setWidgetResizable(true);
-    setMinimumHeight(page->sizeHint().height() + 2 * frameWidth());
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
@@ -62,6 +66,19 @@ void PartDataView::showPart(const QString &file)
     m_layers->setText(
         tr("%1, %2 features").arg(job.part.layerCount).arg(QLocale().toString(job.featureCount())));
     m_finish->setText(job.part.finish);
+    makeRoom();
+}
+
+void PartDataView::resizeEvent(QResizeEvent *event)
+{
+    QScrollArea::resizeEvent(event);
+    makeRoom();
+}
+
+/// Texts that go on in another line need more of it.
+void PartDataView::makeRoom()
+{
+    setMinimumHeight(widget()->heightForWidth(viewport()->width()) + 2 * frameWidth());
 }
 
 /// The view belongs to its parent.

@@ -64,8 +64,7 @@ RuleCheck::RuleCheck(QWidget *parent)
     m_summary->setWordWrap(true);
     m_rules->setHeaderLabels({tr("Rule, in mm"), tr("Found"), tr("Least")});
     m_rules->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    m_rules->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_rules->header()->setStretchLastSection(false);
+    m_rules->setTextElideMode(Qt::ElideNone);
     m_rules->setIndentation(14);
     m_timer->setInterval(0);
     connect(m_timer, &QTimer::timeout, this, &RuleCheck::runSlice);

@@ -55,8 +55,10 @@ LayerMatrix::LayerMatrix(const QString &jobName, QWidget *parent)
     : QTableWidget(0, FixedColumns, parent)
     , m_jobName(jobName)
 {
-    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    horizontalHeader()->setSectionResizeMode(NameColumn, QHeaderView::ResizeToContents);
+    // Texts need their room; counts share what is left.
+    horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    for (int column = TracksColumn; column < FixedColumns; ++column)
+        horizontalHeader()->setSectionResizeMode(column, QHeaderView::Stretch);
     horizontalHeader()->setHighlightSections(false);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
