@@ -65,7 +65,7 @@ RuleCheck::RuleCheck(QWidget *parent)
     m_rules->setHeaderLabels({tr("Rule, in mm"), tr("Found"), tr("Least")});
     m_rules->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_rules->setTextElideMode(Qt::ElideNone);
-    m_rules->setIndentation(14);
+    m_rules->setIndentation(8);
     m_timer->setInterval(0);
     connect(m_timer, &QTimer::timeout, this, &RuleCheck::runSlice);
     connect(m_rules, &QTreeWidget::currentItemChanged, this, &RuleCheck::goTo);
