@@ -12,6 +12,7 @@
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QHeaderView>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTableView>
@@ -50,7 +51,13 @@ MessageView::MessageView(MessageLog &log)
     , m_table(new QTableView)
     , m_filter(new QLineEdit)
     , m_quiet(new QCheckBox(tr("Quiet ones")))
+    , m_details(new QLabel)
 {
+    m_details->setObjectName(QStringLiteral("details"));
+    m_details->setWordWrap(true);
+    m_details->setTextFormat(Qt::PlainText);
+    m_details->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_details->hide();
     m_filtered->setSourceModel(&log);
     m_filtered->setFilterKeyColumn(-1);
     m_filtered->setFilterCaseSensitivity(Qt::CaseInsensitive);
@@ -96,6 +103,7 @@ MessageView::MessageView(MessageLog &log)
     column->setSpacing(2);
     column->addWidget(tools);
     column->addWidget(m_table);
+    column->addWidget(m_details);
     connectActions();
 }
 
@@ -135,6 +143,11 @@ void MessageView::connectActions()
     const auto filter = [this] { setFilter(m_filter->text(), m_quiet->isChecked()); };
     connect(m_filter, &QLineEdit::textChanged, this, filter);
     connect(m_quiet, &QCheckBox::toggled, this, filter);
+    connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex &row) {
+                m_details->setText(row.sibling(row.row(), MessageLog::DataColumn).data().toString());
+                m_details->setVisible(!m_details->text().isEmpty());
+            });
     connect(m_pause, &QAction::toggled, this, [this](bool paused) { m_log.setPaused(paused); });
     connect(m_copy, &QAction::triggered, this, [this] { QApplication::clipboard()->setText(shownText()); });
     connect(m_save, &QAction::triggered, this, &MessageView::save);

@@ -5,6 +5,7 @@
 class MessageLog;
 class QAction;
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QSortFilterProxyModel;
 class QTableView;
@@ -35,6 +36,8 @@ private:
     QTableView *m_table;
     QLineEdit *m_filter;
     QCheckBox *m_quiet;
+    /// All of the data of the row that is chosen, for which its column may have no room.
+    QLabel *m_details;
     QAction *m_pause;
     QAction *m_copy;
     QAction *m_save;

@@ -1,6 +1,7 @@
 #include "Tour.h"
 
 #include "MainWindow.h"
+#include "MessageView.h"
 #include "Workbench.h"
 #include "WorkbenchWindow.h"
 
@@ -15,6 +16,7 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QProgressBar>
+#include <QtWidgets/QTableView>
 #include <QtWidgets/QTableWidget>
 #include <QtWidgets/QToolBar>
 #include <QtWidgets/QTreeWidget>
@@ -227,8 +229,11 @@ void Tour::readMessages()
     m_account.check(QStringLiteral("Messages are noted"), m_workbench.log.rowCount() > 100);
     auto *const filter = m_workbench.window().findChild<QLineEdit *>(QStringLiteral("filter"));
     filter->setText(QStringLiteral("bottom"));
+    auto *const messages = m_workbench.window().findChild<MessageView *>()->findChild<QTableView *>();
+    messages->selectRow(messages->model()->rowCount() - 1);
     takePicture("messages",
                 QStringLiteral("Every message as it is sent, with a filter, pause, copy and save"));
+    messages->clearSelection();
     filter->clear();
     m_workbench.window().showMessages(false);
 }

@@ -944,6 +944,8 @@ void tst_Workbench::showsMessages()
     QCOMPARE(cells.mid(1), (QStringList{"Graphic_JobList.dll", "Graphic_View.dll", "SelectLayer (3)",
                                         "Layer = outline", "recMegToPlugin, logged"}));
     QVERIFY(QTime::fromString(cells.first(), "HH:mm:ss.zzz").isValid());
+    table->selectRow(0);
+    QCOMPARE(labelText(&window(), "details"), QString("Layer = outline"));
 }
 
 /// What the manager sends by itself the host knows from the operation.

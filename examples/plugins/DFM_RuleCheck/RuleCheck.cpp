@@ -64,6 +64,7 @@ RuleCheck::RuleCheck(QWidget *parent)
     m_summary->setWordWrap(true);
     m_rules->setHeaderLabels({tr("Rule, in mm"), tr("Found"), tr("Least")});
     m_rules->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_rules->header()->setStretchLastSection(false);
     m_rules->setTextElideMode(Qt::ElideNone);
     m_rules->setIndentation(8);
     m_timer->setInterval(0);
