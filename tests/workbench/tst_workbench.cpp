@@ -31,6 +31,7 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QStatusBar>
+#include <QtWidgets/QTabWidget>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QTableWidget>
 #include <QtWidgets/QToolBar>
@@ -600,6 +601,8 @@ void tst_Workbench::renamesJob()
     press(Qt::Key_F2);
     QCOMPARE(tabs().mid(0, 3),
              (QStringList{"gateway-revD | pcb", "gateway-revD | panel", "control-2l | pcb"}));
+    // Where there are many tabs, their texts are cut.
+    QCOMPARE(m_workbench->jobs().findChild<QTabWidget *>()->tabToolTip(0), QString("gateway-revD | pcb"));
     QCOMPARE(tabs(FrameKind::Matrix).first(), QString("Matrix gateway-revD"));
     QCOMPARE(tabs(FrameKind::Guide).first(), QString("gateway-revD"));
     QCOMPARE(tabs(FrameKind::Dfm).first(), QString("gateway-revD | pcb"));
@@ -752,6 +755,14 @@ void tst_Workbench::checksRulesWithProgress()
     QCOMPARE(view(gateway, pcb)->property("findingCount").toInt(), 0);
     press(Qt::Key_F5, Qt::ShiftModifier);
     QCOMPARE(summary(gateway, pcb)->text(), QString("Press F5 to check the rules"));
+
+    // What is done for one job does not stay beside another.
+    const auto *const progress = element<QWidget>("CAM_Progress_Dialog.dll", FrameKind::Root);
+    QCOMPARE(progress->findChild<QLabel *>()->text(), QString("gateway-4l checked"));
+    m_workbench->workspace().showStep(gateway, panel);
+    QCOMPARE(progress->findChild<QLabel *>()->text(), QString("gateway-4l checked"));
+    m_workbench->workspace().showStep(control, pcb);
+    QCOMPARE(progress->findChild<QLabel *>()->text(), QString());
 }
 
 void tst_Workbench::stopsCheck()
