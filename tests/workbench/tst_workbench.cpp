@@ -110,6 +110,7 @@ private slots:
     void refusesDamagedDfmPlugin();
     void refusesDamagedDesktopTool();
     void reloadsWithoutDesktopTools();
+    void reloadsWithoutAnyDesktopTool();
     void survivesThrowingReceiver();
     void survivesThrowingFactories();
     void survivesThrowingFrame();
@@ -184,8 +185,7 @@ void tst_Workbench::init()
     m_workbench->account.setSilent(true);
     // With these, what is not as it should be is the point.
     m_workbench->account.setLenient(QByteArray(QTest::currentTestFunction()).startsWith("survives")
-                                    || QByteArray(QTest::currentTestFunction())
-                                           == "reloadsWithoutDesktopTools");
+                                    || QByteArray(QTest::currentTestFunction()).startsWith("reloadsWithout"));
     m_workbench->useSafeLists();
     m_workbench->startDesktopTools();
     m_workbench->loadCamPlugins();
@@ -1181,6 +1181,23 @@ void tst_Workbench::reloadsWithoutDesktopTools()
         QVERIFY2(m_workbench->catalog.troubled().contains(name), name);
     press(Qt::Key_2, Qt::ControlModifier);
     QTRY_VERIFY(tools.m_statusResult->isVisible());
+}
+
+/// As if they were gone from the folder.
+void tst_Workbench::reloadsWithoutAnyDesktopTool()
+{
+    for (const char *const folder : {REPLACED_PLUGIN_DIR, EXAMPLE_PLUGIN_DIR})
+        QCoreApplication::removeLibraryPath(folder);
+    press(Qt::Key_F6, Qt::ControlModifier);
+    QTRY_COMPARE(element<QLabel>("Graphic_Tips.dll", FrameKind::Root)->text(),
+                 QString("The desktop tools were loaded again"));
+    const QTpluginsManger &tools = *m_workbench->desktop;
+    QVERIFY(!tools.m_viewResult && !tools.m_pnListResult && !tools.m_statusResult);
+    QVERIFY(!tools.m_menuBarResult1 && !tools.m_menuBarResult2 && !tools.m_menuBarResult3);
+    QVERIFY(!tools.m_fileProcessResult1 && !tools.m_fileProcessResult2);
+    QCOMPARE(m_workbench->catalog.troubled().size(), 11);
+    click(element<QTableWidget>("Matrix.dll", FrameKind::Matrix, gateway), "drill");
+    QCOMPARE(caption(gateway, pcb), QString("gateway-4l | pcb, drill"));
 }
 
 /// The library throws at every message.
