@@ -224,8 +224,10 @@ void PluginCatalog::judge(CataloguedPlugin &plugin, bool loaded) const
 {
     if (!plugin.damage.isEmpty() && !loaded) {
         plugin.state = CataloguedPlugin::KeptOut;
-        plugin.trouble =
-            tr("%1 Copy %2 again from the release, then start again.").arg(plugin.damage, plugin.library());
+        const QString remedy = plugin.set == CataloguedPlugin::Cam
+                                   ? tr("%1 Copy %2 again from the release, then start again.")
+                                   : tr("%1 Copy %2 again from the release, then reload.");
+        plugin.trouble = remedy.arg(plugin.damage, plugin.library());
         return;
     }
     // To ask a library is to load it once more.
