@@ -1,10 +1,15 @@
 #include "openbase.h"
 #include "testmain.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLibrary>
 #include <QtCore/QPluginLoader>
+
+#ifdef Q_OS_WIN
+#    include <windows.h>
+#endif
 
 class tst_Unloading : public QObject
 {
@@ -29,10 +34,14 @@ QString libraryPath(const char *name)
 
 bool isInMemory(const QString &path)
 {
+#ifdef Q_OS_WIN
+    return GetModuleHandleW(QDir::toNativeSeparators(path).toStdWString().c_str()) != nullptr;
+#else
     QFile maps(QStringLiteral("/proc/self/maps"));
     if (!maps.open(QIODevice::ReadOnly))
         qFatal("/proc/self/maps cannot be read");
     return maps.readAll().contains(QFile::encodeName(QFileInfo(path).canonicalFilePath()));
+#endif
 }
 
 }
@@ -60,7 +69,7 @@ void tst_Unloading::qtPluginLeavesMemoryWhereQtLetsIt()
 
 void tst_Unloading::libraryWithUniqueSymbolsStays()
 {
-#if defined(__GNUC__) && !defined(__clang__)
+#if defined(Q_OS_LINUX) && defined(__GNUC__) && !defined(__clang__)
     constexpr bool compilerMakesUniqueSymbols = true;
 #else
     constexpr bool compilerMakesUniqueSymbols = false;
