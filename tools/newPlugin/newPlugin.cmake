@@ -14,6 +14,10 @@ element   what a host shows in its CAM or DFM windows: a menu, a tool bar, a vie
 frame     the window of a job: ORVIK-GraphicEditor, ORVIK-Matrix or Graphic_CamGuide
 desktop   a Qt plug-in of the desktop manager. The names of its ten tools give one of them")
 
+# Targets that CMake adds by itself, some with tests, an installation or packages only. A plug-in's target has its name.
+set(reserved all ALL_BUILD clean depend edit_cache help install INSTALL list_install_components package PACKAGE
+    package_source preinstall rebuild_cache RUN_TESTS test ZERO_CHECK)
+
 function(fail)
     message("pluginmanger-new-plugin: ${ARGN}")
     message(FATAL_ERROR "nothing was written")
@@ -39,10 +43,12 @@ function(read_arguments)
         fail("give one name\n${usage}")
     elseif(NOT arg_--kind MATCHES "^(element|frame|desktop)$")
         fail("\"${arg_--kind}\" is no kind of plug-in\n${usage}")
-    elseif(arg_UNPARSED_ARGUMENTS MATCHES "\\.dll$")
+    elseif(arg_UNPARSED_ARGUMENTS MATCHES "\\.[Dd][Ll][Ll]$")
         fail("the name is given without \".dll\"")
     elseif(NOT arg_UNPARSED_ARGUMENTS MATCHES "^[A-Za-z][A-Za-z0-9_-]*$")
         fail("\"${arg_UNPARSED_ARGUMENTS}\" is no name: it takes letters, digits, \"_\" and \"-\"")
+    elseif(arg_UNPARSED_ARGUMENTS IN_LIST reserved)
+        fail("\"${arg_UNPARSED_ARGUMENTS}\" is the name of a target of CMake's own; give another one")
     endif()
     set(NAME ${arg_UNPARSED_ARGUMENTS} PARENT_SCOPE)
     set(kind ${arg_--kind} PARENT_SCOPE)
