@@ -2,10 +2,8 @@
 
 #include <QtCore/QtGlobal>
 
-namespace PluginMangerInternal {
-
 /// The codes that the manager knows or sends; all others pass through unexamined.
-namespace MessageType {
+namespace PluginMangerInternal::MessageType {
 
 constexpr qint32 invalid = -1;
 constexpr qint32 quiet = 10000000;
@@ -34,5 +32,4 @@ inline constexpr Name names[] = {
     {dfmFrameOpened, "DFM frame opened"},
 };
 
-}
 }
