@@ -4,6 +4,7 @@
 #include "openbase.h"
 #include "testmain.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QException>
 
 using namespace PluginCheck;
@@ -74,7 +75,8 @@ void tst_PluginCheckLog::librariesThatDoNotLoad()
     const QJsonArray reasons = first(found, "failures").value("reasons").toArray();
     QCOMPARE(reasons.size(), 1);
     const QJsonObject reason = reasons.first().toObject();
-    QVERIFY2(reason.value("text").toString().contains(missing), qPrintable(reason.value("text").toString()));
+    QVERIFY2(reason.value("text").toString().contains(QDir::toNativeSeparators(missing)),
+             qPrintable(reason.value("text").toString()));
     QCOMPARE(reason.value("count").toInt(), 3);
 #ifndef Q_OS_WIN
     QCOMPARE(reason.value("meaning").toString(), QString("the library is not where the loader looks"));
