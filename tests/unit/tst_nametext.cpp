@@ -48,6 +48,12 @@ void tst_NameText::nameCountsAsTheTextItConvertsTo_data()
     QTest::newRow("replacement character") << QByteArray("\xef\xbf\xbd") << damaged << true << true << true;
     QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfjob | pcb") << "job" << false << true << true;
     QTest::newRow("byte order mark alone") << QByteArray("\xef\xbb\xbfjob") << "job" << true << true << true;
+    // A character beyond the 16-bit ones is two halves, which texts may have one by one and bytes may not.
+    const QString whole = QString::fromUtf8("\xf0\x9f\x98\x80");
+    QTest::newRow("two halves") << whole.toUtf8() << whole << true << true << true;
+    QTest::newRow("half") << whole.toUtf8() << whole.left(1) << false << true << false;
+    QTest::newRow("half, where the name has what it converts to")
+        << QByteArray("?") << whole.left(1) << false << false << false;
     QTest::newRow("full-width") << QByteArray("\xef\xbc\xa1 | pcb") << QStringLiteral("Ａ") << false << true
                                 << true;
 }

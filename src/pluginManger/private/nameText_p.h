@@ -17,7 +17,8 @@ public:
     explicit NameText(const QString &text)
         : m_text(text)
         , m_bytes(text.toStdString())
-        , m_isExact(m_bytes.find("\xEF\xBF\xBD") == std::string::npos)
+        , m_isExact(m_bytes.find("\xEF\xBF\xBD") == std::string::npos
+                    && QString::fromStdString(m_bytes) == m_text)
     {
     }
 
@@ -43,7 +44,8 @@ public:
     }
 
 private:
-    // A text without replacement characters equals no damaged name, and conversion drops a byte order mark.
+    // A text without replacement characters equals no damaged name, and conversion drops a byte order mark. A
+    // text that no bytes convert to, as with half of a surrogate pair, equals no name at all.
     bool bytesTell(const std::string &name) const
     {
         return m_isExact && (name.empty() || name.front() != '\xEF');
