@@ -377,7 +377,8 @@ void QTpluginsMangerBase::loadLibraryPlugin(QTPluginsMangerPrivate &tables, cons
 
     auto *const library = new QLibrary(ownPath);
     resolveAllAtLoad(*library);
-    const QString fault = PluginMangerInternal::loadFault(library->fileName());
+    const QString fault =
+        library->isLoaded() ? QString() : PluginMangerInternal::loadFault(library->fileName());
     if (fault.isEmpty() && library->load())
         tables.m_libraries.insert(ownPath, library);
     else
@@ -394,8 +395,9 @@ void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QSt
     auto *const loader = new QPluginLoader(ownPath);
     resolveAllAtLoad(*loader);
     // Without meta data Qt does not have the file mapped, and says why.
-    const QString fault =
-        loader->metaData().isEmpty() ? QString() : PluginMangerInternal::loadFault(loader->fileName());
+    const QString fault = loader->metaData().isEmpty() || loader->isLoaded()
+                              ? QString()
+                              : PluginMangerInternal::loadFault(loader->fileName());
     if (!fault.isEmpty() || !loader->load()) {
         reportFailedLoad(ownPath, fault.isEmpty() ? loader->errorString() : fault);
         return;
