@@ -421,8 +421,7 @@ QWidget *QTpluginsManger4CAM::Ov_RegisterMatrix_ToolBar(QWidget *parent)
 
 QObject *QTpluginsManger4CAM::Ov_Register_Common(std::string library, QWidget *parent)
 {
-    return static_cast<QObject *>(
-        registerElement(QString::fromStdString(library), ElementFactories::Common.symbol, parent, nullptr));
+    return static_cast<QObject *>(registerElement(library, ElementFactories::Common.symbol, parent, nullptr));
 }
 
 QWidget *QTpluginsManger4CAM::Ov_RegisterGraphicFramework(QWidget *parent, const std::string &name,
@@ -759,8 +758,7 @@ PluginMangerInternal::Registry QTpluginsManger4CAM::registry()
 template <typename Element>
 Element *QTpluginsManger4CAM::registerElement(const ElementFactory<Element> &factory, QWidget *parent)
 {
-    return static_cast<Element *>(
-        registerElement(QString::fromLatin1(factory.library), factory.symbol, parent, nullptr));
+    return static_cast<Element *>(registerElement(factory.library, factory.symbol, parent, nullptr));
 }
 
 template <typename Element>
@@ -768,26 +766,24 @@ Element *QTpluginsManger4CAM::registerElement(const TextElementFactory<Element> 
                                               const std::string &text)
 {
     const QString factoryText = QString::fromStdString(text);
-    return static_cast<Element *>(
-        registerElement(QString::fromLatin1(factory.library), factory.symbol, parent, &factoryText));
+    return static_cast<Element *>(registerElement(factory.library, factory.symbol, parent, &factoryText));
 }
 
-void *QTpluginsManger4CAM::registerElement(const QString &library, const char *symbol, QWidget *parent,
+void *QTpluginsManger4CAM::registerElement(const std::string &library, const char *symbol, QWidget *parent,
                                            const QString *text)
 {
-    QLibrary *const loaded = plugin(library);
+    QLibrary *const loaded = plugin(QString::fromStdString(library));
     const QFunctionPointer factory = loaded ? loaded->resolve(symbol) : nullptr;
     if (!factory)
         return nullptr;
 
-    const std::string name = library.toStdString();
-    const RegisterRecord &record = registry().findRecord(name, parent);
+    const RegisterRecord &record = registry().findRecord(library, parent);
     if (!record.isEmpty())
         return record.object;
 
     void *const element = text ? functionAs<TextElementFactoryFunction>(factory)(parent, *text)
                                : functionAs<ElementFactoryFunction>(factory)(parent);
-    registry().appendRecord({RecordKind::plugin, name, element, parent});
+    registry().appendRecord({RecordKind::plugin, library, element, parent});
     return element;
 }
 

@@ -367,7 +367,8 @@ private:
     template <typename Element>
     Element *registerElement(const PluginMangerInternal::TextElementFactory<Element> &factory,
                              QWidget *parent, const std::string &text);
-    void *registerElement(const QString &library, const char *symbol, QWidget *parent, const QString *text);
+    void *registerElement(const std::string &library, const char *symbol, QWidget *parent,
+                          const QString *text);
 
     using FindFrame = std::function<RegisterRecord()>;
     using MakeFrame = std::function<void *(QFunctionPointer factory)>;

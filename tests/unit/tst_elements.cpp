@@ -49,6 +49,7 @@ private slots:
     void clearKeepsTheElements();
     void elementMadeBeforeIsNotReturnedOnceItsFactoryIsMissing();
     void commonElementsAreToldApartByLibrary();
+    void commonElementIsRecordedUnderTheLibrarysNameAsGiven();
     void commonElementOfAnUnknownLibraryIsNull();
     void libraryWithoutEntryPointGivesItsElement();
     void nullFactoryIsCalledOnce();
@@ -254,6 +255,21 @@ void tst_Elements::commonElementsAreToldApartByLibrary()
     QVERIFY(any != menu);
     QCOMPARE(menu->metaObject()->className(), "QMenu");
     QCOMPARE(manager->Ov_RegisterDFM_Edit_Menu(parent), menu.get());
+}
+
+void tst_Elements::commonElementIsRecordedUnderTheLibrarysNameAsGiven()
+{
+    QTpluginsManger4CAM *const manager = QTpluginsManger4CAM::instance();
+    QWidget *const parent = newParent();
+    const std::unique_ptr<QObject> plain(manager->Ov_Register_Common("Any_Library.dll", parent));
+    // As a text, which has no byte order mark, the name is that of the same library.
+    const std::string withMark = "\xEF\xBB\xBF"
+                                 "Any_Library.dll";
+    const std::unique_ptr<QObject> marked(manager->Ov_Register_Common(withMark, parent));
+    QVERIFY(plain && marked);
+    QVERIFY(plain != marked);
+    QCOMPARE(manager->Ov_Register_Common(withMark, parent), marked.get());
+    QCOMPARE(manager->Ov_Register_Common("Any_Library.dll", parent), plain.get());
 }
 
 void tst_Elements::commonElementOfAnUnknownLibraryIsNull()
