@@ -10,7 +10,7 @@ namespace PluginCheck {
 namespace {
 
 /// More than this is more than QJsonDocument takes.
-constexpr qint64 largestFile = 128 * 1024 * 1024;
+constexpr qint64 largestFile = qint64(128) * 1024 * 1024;
 
 QVariantList toVariantList(const QJsonArray &array);
 
@@ -28,7 +28,7 @@ QVariantList toVariantList(const QJsonArray &array)
 {
     QVariantList list;
     list.reserve(array.size());
-    for (const QJsonValue &value : array)
+    for (const QJsonValue value : array)
         list.append(toVariant(value));
     return list;
 }

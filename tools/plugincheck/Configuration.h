@@ -50,7 +50,7 @@ struct Configuration
 };
 
 /// Reads a file. Adds a finding when there is nothing to read, and then returns nothing.
-std::optional<Configuration> readConfiguration(const QString &file, Set set, Report &report);
+std::optional<Configuration> readConfiguration(const QString &path, Set set, Report &report);
 
 /// The same for a text that was read from the file.
 std::optional<Configuration> parseConfiguration(const QString &file, Set set, const QByteArray &text,

@@ -65,7 +65,7 @@ private:
     void checkName(const Entry &entry);
     void checkRequest(const Entry &entry);
     void checkVersion(const Entry &entry);
-    void checkDependency(int index, int dependency, DependencyState state);
+    void checkDependency(int index, int number, DependencyState state);
     void checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what);
     void addCycles();
     void addReport();

@@ -18,7 +18,7 @@ namespace PluginCheck {
 
 namespace {
 
-constexpr qint64 largestFile = 1024 * 1024 * 1024;
+constexpr qint64 largestFile = qint64(1024) * 1024 * 1024;
 
 /// What QLibrary looks for to tell a Qt plug-in from other libraries, and what follows there.
 void readQtMetadata(const QByteArray &content, LibraryFile &file)

@@ -193,7 +193,7 @@ QString LibrarySearch::exactFile(const QString &name) const
 {
     if (name.contains('/')) {
         for (const QString &directory : m_directories) {
-            const QString path = QDir(directory).filePath(name);
+            QString path = QDir(directory).filePath(name);
             if (QFileInfo(path).isFile())
                 return path;
         }

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #ifdef Q_OS_WIN
 #    include <io.h>
@@ -55,9 +56,9 @@ struct Running
 class Runner
 {
 public:
-    Runner(const Options &options, const QString &directory, Report &report)
+    Runner(const Options &options, QString directory, Report &report)
         : m_options(options)
-        , m_directory(directory)
+        , m_directory(std::move(directory))
         , m_report(report)
         , m_showsProgress(errorsGoToTerminal())
     {

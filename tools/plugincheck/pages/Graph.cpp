@@ -83,11 +83,11 @@ public:
     explicit ConfigurationGraph(const QJsonObject &configuration)
     {
         const QJsonArray plugins = list(configuration, "plugins");
-        for (const QJsonValue &value : plugins)
+        for (const QJsonValue value : plugins)
             addPlugin(value.toObject());
-        for (const QJsonValue &value : plugins)
+        for (const QJsonValue value : plugins)
             addDependencies(value.toObject());
-        for (const QJsonValue &cycle : list(configuration, "cycles"))
+        for (const QJsonValue cycle : list(configuration, "cycles"))
             addCycle(cycle.toArray());
     }
 
@@ -125,7 +125,7 @@ private:
 
     void addDependencies(const QJsonObject &plugin)
     {
-        for (const QJsonValue &value : list(plugin, "dependencies")) {
+        for (const QJsonValue value : list(plugin, "dependencies")) {
             const QJsonObject dependency = value.toObject();
             addEdge(text(plugin, "name"), text(dependency, "name"), text(dependency, "state"),
                     text(dependency, "version"));
@@ -211,7 +211,7 @@ private:
 QVector<ConfigurationGraph> graphsOf(const QJsonObject &report)
 {
     QVector<ConfigurationGraph> graphs;
-    for (const QJsonValue &value : list(report, "configurations"))
+    for (const QJsonValue value : list(report, "configurations"))
         graphs.append(ConfigurationGraph(value.toObject()));
     return graphs;
 }

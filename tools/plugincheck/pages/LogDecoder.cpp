@@ -58,7 +58,7 @@ public:
         char output[8];
         char *in = input;
         char *out = output;
-        size_t inLeft = size_t(size);
+        auto inLeft = size_t(size);
         size_t outLeft = sizeof output;
         iconv(m_iconv, nullptr, nullptr, nullptr, nullptr);
         if (iconv(m_iconv, &in, &inLeft, &out, &outLeft) == size_t(-1))
@@ -328,15 +328,15 @@ private:
     {
         switch (step.kind) {
         case Kind::Plain:
-            return QString(QLatin1Char(m_bytes[at]));
+            return {QLatin1Char(m_bytes[at])};
         case Kind::InUtf8:
             return QString::fromUtf8(m_bytes.data() + at, step.length);
         case Kind::InGbk:
-            return QString(gbkCharacter(byteAt(m_bytes, at), byteAt(m_bytes, at + 1)));
+            return {gbkCharacter(byteAt(m_bytes, at), byteAt(m_bytes, at + 1))};
         case Kind::Invalid:
             break;
         }
-        return QString(QChar::ReplacementCharacter);
+        return {QChar(QChar::ReplacementCharacter)};
     }
 
     std::string_view m_bytes;

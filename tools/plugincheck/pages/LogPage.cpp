@@ -43,7 +43,7 @@ QByteArray advice(const QJsonObject &object)
 QByteArray reasons(const QJsonObject &failure)
 {
     QByteArray result;
-    for (const QJsonValue &value : list(failure, "reasons")) {
+    for (const QJsonValue value : list(failure, "reasons")) {
         const QJsonObject reason = value.toObject();
         if (!text(reason, "text").isEmpty())
             result += "<p class=\"place\">" + markup(text(reason, "text")) + "</p>";
@@ -58,7 +58,7 @@ Table failureTable(const QJsonObject &report)
                 QStringLiteral("Libraries and configurations"),
                 {"File", "What", "Reason, and what to do next", "Times", "When"},
                 {}};
-    for (const QJsonValue &value : list(report, "failures")) {
+    for (const QJsonValue value : list(report, "failures")) {
         const QJsonObject failure = value.toObject();
         table.rows.append(
             {{nameMarkup(text(failure, "file")), "<code>" + markup(text(failure, "code")) + "</code>",
@@ -72,7 +72,7 @@ Table failureTable(const QJsonObject &report)
 Table errorTable(const QJsonObject &report)
 {
     Table table{"errors", QStringLiteral("Other errors"), {"Error", "What to do next", "Times", "When"}, {}};
-    for (const QJsonValue &value : list(report, "errors")) {
+    for (const QJsonValue value : list(report, "errors")) {
         const QJsonObject error = value.toObject();
         table.rows.append(
             {{markup(text(error, "text")), advice(error), figure(number(error, "count")), times(error)},
@@ -95,7 +95,7 @@ Table messageTable(const QJsonObject &report)
                 QStringLiteral("By sender, receiver and type"),
                 {"Sender", "Receiver", "Type", "Messages", "When"},
                 {}};
-    for (const QJsonValue &value : list(report, "messages")) {
+    for (const QJsonValue value : list(report, "messages")) {
         const QJsonObject message = value.toObject();
         table.rows.append({{nameMarkup(text(message, "sender")), nameMarkup(text(message, "receiver")),
                             markup(typeText(message)), figure(number(message, "count")), times(message)},
@@ -108,7 +108,7 @@ Table messageTable(const QJsonObject &report)
 QStringList participants(const QJsonObject &report)
 {
     QSet<QString> names;
-    for (const QJsonValue &message : list(report, "messages"))
+    for (const QJsonValue message : list(report, "messages"))
         names << text(message.toObject(), "sender") << text(message.toObject(), "receiver");
     names.remove({});
     QStringList sorted = names.values();
@@ -140,7 +140,7 @@ void addDiagram(Page &page, const QJsonObject &report)
 QString subtitle(const QJsonObject &report)
 {
     QStringList files;
-    for (const QJsonValue &file : list(report, "files"))
+    for (const QJsonValue file : list(report, "files"))
         files.append(text(file.toObject(), "file"));
     QString result = files.join(QStringLiteral(", "));
     if (!text(report, "first").isEmpty())

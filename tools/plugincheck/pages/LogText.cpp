@@ -21,7 +21,7 @@ QString occurrences(const QJsonObject &object)
 QString headOf(const QJsonObject &report)
 {
     QString head;
-    for (const QJsonValue &value : list(report, "files")) {
+    for (const QJsonValue value : list(report, "files")) {
         const QJsonObject file = value.toObject();
         head += readable(text(file, "file")) + QStringLiteral(": ")
                 + counted(number(file, "lines"), "line", "lines") + QLatin1Char('\n');
@@ -37,11 +37,11 @@ QString failuresOf(const QJsonObject &report)
     if (failures.isEmpty())
         return {};
     QString result = QStringLiteral("\nWhat did not load\n");
-    for (const QJsonValue &value : failures) {
+    for (const QJsonValue value : failures) {
         const QJsonObject failure = value.toObject();
         result += QStringLiteral("\n  %1\n    %2: %3\n")
                       .arg(text(failure, "file"), text(failure, "code"), occurrences(failure));
-        for (const QJsonValue &reasonValue : list(failure, "reasons")) {
+        for (const QJsonValue reasonValue : list(failure, "reasons")) {
             const QJsonObject reason = reasonValue.toObject();
             if (!text(reason, "text").isEmpty())
                 result += QStringLiteral("    reason: ") + text(reason, "text") + QLatin1Char('\n');
@@ -58,7 +58,7 @@ QString errorsOf(const QJsonObject &report)
     if (errors.isEmpty())
         return {};
     QString result = QStringLiteral("\nOther errors\n");
-    for (const QJsonValue &value : errors) {
+    for (const QJsonValue value : errors) {
         const QJsonObject error = value.toObject();
         result +=
             QStringLiteral("\n  %1\n    %2\n    that is: %3\n    next: %4\n")
@@ -74,7 +74,7 @@ QString messagesOf(const QJsonObject &report)
         return {};
     QString result = QStringLiteral("\nMessages that were delivered\n\n");
     int shown = 0;
-    for (const QJsonValue &value : messages) {
+    for (const QJsonValue value : messages) {
         if (shown++ == mostMessages)
             break;
         const QJsonObject message = value.toObject();

@@ -7,6 +7,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QStringList>
 
+#include <utility>
+
 /// Outside of every namespace, as the name that Qt's macro declares is. A static library's resources need it.
 static void initializeResource()
 {
@@ -83,9 +85,9 @@ QByteArray Table::toMarkup() const
     return html;
 }
 
-Page::Page(const QString &title, const QString &subtitle)
-    : m_title(title)
-    , m_subtitle(subtitle)
+Page::Page(QString title, QString subtitle)
+    : m_title(std::move(title))
+    , m_subtitle(std::move(subtitle))
 {
 }
 

@@ -38,7 +38,7 @@ struct Table
 class Page
 {
 public:
-    Page(const QString &title, const QString &subtitle);
+    Page(QString title, QString subtitle);
 
     void add(const QByteArray &markup);
     void addHeading(const QString &text);

@@ -22,9 +22,9 @@ QChar shown(QChar character)
 {
     const ushort code = character.unicode();
     if (code < 0x20 && character != QLatin1Char('\t'))
-        return QChar(ushort(pictureOfNull + code));
+        return {ushort(pictureOfNull + code)};
     if (code == 0x7f)
-        return QChar(pictureOfDelete);
+        return {pictureOfDelete};
     if ((code > 0x7f && code < 0xa0) || turnsDirection(code) || endsLine(code) || code >= 0xfffe)
         return QChar::ReplacementCharacter;
     return character;

@@ -42,7 +42,7 @@ QString place(const QJsonObject &finding)
 QVector<QJsonObject> findingsOf(const QJsonObject &report)
 {
     QVector<QJsonObject> findings;
-    for (const QJsonValue &value : list(report, "findings"))
+    for (const QJsonValue value : list(report, "findings"))
         findings.append(value.toObject());
     std::stable_sort(findings.begin(), findings.end(), [](const QJsonObject &left, const QJsonObject &right) {
         return severities().indexOf(text(left, "severity")) < severities().indexOf(text(right, "severity"));
@@ -73,7 +73,7 @@ Table findingTable(const QJsonObject &report)
 QByteArray dependencies(const QJsonObject &plugin)
 {
     QByteArrayList result;
-    for (const QJsonValue &value : list(plugin, "dependencies")) {
+    for (const QJsonValue value : list(plugin, "dependencies")) {
         const QJsonObject dependency = value.toObject();
         const QString state = text(dependency, "state");
         result.append(nameMarkup(text(dependency, "name") + QLatin1Char(' ') + text(dependency, "version"))
@@ -117,7 +117,7 @@ Table pluginTable(const QJsonObject &configuration, int index)
     const bool withProbe = isProbed(configuration);
     if (withProbe)
         table.headers.append("Probe");
-    for (const QJsonValue &value : list(configuration, "plugins")) {
+    for (const QJsonValue value : list(configuration, "plugins")) {
         const QJsonObject plugin = value.toObject();
         const QString library = text(plugin, "library");
         Table::Row row{{nameMarkup(text(plugin, "name")), markup(text(plugin, "version")),
@@ -138,11 +138,11 @@ Table pluginTable(const QJsonObject &configuration, int index)
 QStringList pluginNames(const QJsonObject &report)
 {
     QSet<QString> names;
-    for (const QJsonValue &configuration : list(report, "configurations")) {
-        for (const QJsonValue &plugin : list(configuration.toObject(), "plugins"))
+    for (const QJsonValue configuration : list(report, "configurations")) {
+        for (const QJsonValue plugin : list(configuration.toObject(), "plugins"))
             names.insert(text(plugin.toObject(), "name"));
     }
-    for (const QJsonValue &finding : list(report, "findings"))
+    for (const QJsonValue finding : list(report, "findings"))
         names.insert(text(finding.toObject(), "plugin"));
     names.remove({});
     QStringList sorted = names.values();
@@ -186,7 +186,7 @@ void addLeftOut(Page &page, const QJsonObject &report)
         return;
     page.addHeading(QStringLiteral("What was not checked"));
     QByteArray items = "<ul>";
-    for (const QJsonValue &value : leftOut)
+    for (const QJsonValue value : leftOut)
         items += "<li>" + markup(value.toString()) + "</li>";
     page.add(items + "</ul>\n");
 }
@@ -194,7 +194,7 @@ void addLeftOut(Page &page, const QJsonObject &report)
 QString subtitle(const QJsonObject &report)
 {
     QStringList files;
-    for (const QJsonValue &configuration : list(report, "configurations"))
+    for (const QJsonValue configuration : list(report, "configurations"))
         files.append(text(configuration.toObject(), "file"));
     const QJsonObject tool = object(report, "tool");
     return files.join(QStringLiteral(", ")) + QStringLiteral(", checked by ") + text(tool, "name")
@@ -222,7 +222,7 @@ QByteArray PluginCheck::reportPage(const QJsonObject &report)
         page.add(findingTable(report).toMarkup());
     page.addHeading(QStringLiteral("The plug-ins"));
     int index = 0;
-    for (const QJsonValue &configuration : list(report, "configurations"))
+    for (const QJsonValue configuration : list(report, "configurations"))
         page.add(pluginTable(configuration.toObject(), index++).toMarkup());
     return page.toHtml();
 }

@@ -26,7 +26,7 @@ class Lanes
 public:
     explicit Lanes(const QJsonArray &traffic)
     {
-        for (const QJsonValue &value : traffic) {
+        for (const QJsonValue value : traffic) {
             const QJsonObject each = value.toObject();
             if (text(each, "kind") == QLatin1String("note"))
                 continue;
@@ -155,7 +155,7 @@ QByteArray PluginCheck::sequenceDiagram(const QJsonArray &traffic)
     QByteArray svg = heads(lanes) + svgStart(lanes.width(), height, "sequence")
                      + " aria-label=\"Messages in the order of their time\">" + lifelines(lanes, height);
     int y = rowHeight;
-    for (const QJsonValue &value : traffic) {
+    for (const QJsonValue value : traffic) {
         svg += row(lanes, value.toObject(), y);
         y += rowHeight;
     }
