@@ -20,6 +20,11 @@ private slots:
     void spanOfTime();
     void linesOfOtherUnitsAreOnlyCounted();
     void linesInTwoFilesAreCountedOnce();
+    void filesAreReadInTheOrderOfTime();
+    void linksToFilesThatAreReadAreLeftOut();
+    void clockThatIsSetBackIsNoEnd();
+    void fileThatIsNoLog_data();
+    void fileThatIsNoLog();
     void furtherLinesBelongToTheirMessage();
     void hostileLines();
     void manyGroupsAreBounded();
@@ -30,9 +35,12 @@ private slots:
     void wrongUsage_data();
     void wrongUsage();
     void outputIsNoInput();
+    void outputIsKeptWhenNothingCanBeRead();
+    void helpAndVersion();
     void growingFileIsFollowed();
     void followedFileMayBeCutOff();
     void followedFileMayBeReplaced();
+    void interruptionEndsFollowing_data();
     void interruptionEndsFollowing();
 };
 
@@ -83,6 +91,93 @@ void tst_LogReport::linesInTwoFilesAreCountedOnce()
     QCOMPARE(first(found, "failures").value("count").toInt(), 2);
     QCOMPARE(summary(found, "alsoInOtherFile"), 2);
     QCOMPARE(sizeOf(found, "files"), 2);
+}
+
+void tst_LogReport::filesAreReadInTheOrderOfTime()
+{
+    const QByteArray failed =
+        line('E', "pluginMangerBase", QByteArray(Gbk::notALibrary) + "x.txt", "14:46:06.000000");
+    const QString errors = write("log.ERROR", "Log file created at: 2026/11/21 14:46:06\n" + failed);
+    const QString infos =
+        write("log.INFO", "Log file created at: 2026/11/21 14:46:05\n" + cam("A send to B 1")
+                              + "further line\n" + failed + cam("A send to B 2", "14:46:07.000000"));
+    const QString before = write("log.before", cam("A send to B 3", "13:00:00.000000"));
+
+    const QJsonObject found = report({errors, infos, before}, 1);
+    QStringList drawn;
+    for (const QJsonValue value : found.value("traffic").toArray())
+        drawn.append(value.toObject().value("time").toString() + ' '
+                     + value.toObject().value("kind").toString());
+    QCOMPARE(drawn,
+             (QStringList{"2026-11-21 13:00:00.000000 delivered", "2026-11-21 14:46:05.123456 delivered",
+                          "2026-11-21 14:46:06.000000 note", "2026-11-21 14:46:07.000000 delivered"}));
+    QCOMPARE(found.value("first").toString(), QString("2026-11-21 13:00:00.000000"));
+    QCOMPARE(found.value("last").toString(), QString("2026-11-21 14:46:07.000000"));
+    QCOMPARE(summary(found, "failures"), 1);
+    QCOMPARE(summary(found, "alsoInOtherFile"), 1);
+
+    QStringList files;
+    for (const QJsonValue value : found.value("files").toArray())
+        files.append(value.toObject().value("file").toString()
+                     + QString(" %1").arg(value.toObject().value("lines").toInt()));
+    QCOMPARE(files, (QStringList{errors + " 2", infos + " 5", before + " 1"}));
+}
+
+void tst_LogReport::linksToFilesThatAreReadAreLeftOut()
+{
+#ifdef Q_OS_WIN
+    QSKIP("glog makes no links on Windows");
+#endif
+    const QString path = write("log.first", cam("A send to B 1"));
+    QVERIFY(QFile::link("log.first", file("log.link")));
+    const QJsonObject found = report({file("log.link"), path, path}, 0);
+    QCOMPARE(messages(found), QStringList("1 A -> B 1"));
+    QCOMPARE(sizeOf(found, "files"), 1);
+    QByteArray output;
+    QCOMPARE(run({"--decode", file("log.link"), path}, &output), 0);
+    QCOMPARE(output, cam("A send to B 1"));
+}
+
+void tst_LogReport::clockThatIsSetBackIsNoEnd()
+{
+    const QJsonObject found = report(
+        {write("log", cam("A send to B 1", "14:00:00.000000") + cam("A send to B 1", "13:00:00.000000"))}, 0);
+    for (const QJsonObject &object : {found, first(found, "messages")}) {
+        QCOMPARE(object.value("first").toString(), QString("2026-11-21 13:00:00.000000"));
+        QCOMPARE(object.value("last").toString(), QString("2026-11-21 14:00:00.000000"));
+    }
+}
+
+void tst_LogReport::fileThatIsNoLog_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("isLog");
+    QTest::newRow("nothing") << QByteArray() << true;
+    QTest::newRow("only what glog begins with") << QByteArray("Log file created at: 2026/11/21\n") << true;
+    QTest::newRow("entry of others") << line('I', "host", "ready") << true;
+    QTest::newRow("text") << QByteArray("Dear support,\n") << false;
+    QTest::newRow("bytes") << QByteArray("\x7f"
+                                         "ELF\0\0\xff\n\xfe",
+                                         9)
+                           << false;
+}
+
+void tst_LogReport::fileThatIsNoLog()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(bool, isLog);
+    const QString path = write("content", content);
+    const QString good = write("good", cam("A send to B 1"));
+    const QJsonObject found = report({path, good}, isLog ? 0 : 3);
+    QCOMPARE(first(found, "files").value("isLog").toBool(), isLog);
+    QCOMPARE(messages(found), QStringList("1 A -> B 1"));
+    QByteArray output;
+    QCOMPARE(run({path}, &output), isLog ? 0 : 3);
+    QCOMPARE(output.contains(", none of which glog has written\n"), !isLog);
+    QCOMPARE(run({"--format", "html", path}, &output), isLog ? 0 : 3);
+    QCOMPARE(output.contains("/content is no log: glog has written none of its lines."), !isLog);
+    // For what is only to be read, it need not be a log.
+    QCOMPARE(run({"--decode", path}, &output), 0);
 }
 
 void tst_LogReport::furtherLinesBelongToTheirMessage()
@@ -213,6 +308,10 @@ void tst_LogReport::wrongUsage_data()
     QTest::newRow("unknown format") << QStringList{"--format", "dot", "x"};
     QTest::newRow("no time") << QStringList{"--from", "noon", "x"};
     QTest::newRow("no time at the end") << QStringList{"--to", "25:00", "x"};
+    QTest::newRow("end before the beginning")
+        << QStringList{"--from", "2026-11-21 14:46:06", "--to", "2026-11-20", "x"};
+    QTest::newRow("end before the beginning of a day")
+        << QStringList{"--from", "23:00", "--to", "01:00", "x"};
     QTest::newRow("nothing to draw") << QStringList{"--draw", "0", "x"};
     QTest::newRow("too much to draw") << QStringList{"--draw", "100000", "x"};
     QTest::newRow("following in HTML") << QStringList{"--follow", "--format", "html", "x"};
@@ -230,6 +329,20 @@ void tst_LogReport::outputIsNoInput()
     const QString path = write("log", cam("A send to B 1"));
     QCOMPARE(runLogCommand({"--output", path, path}), 2);
     QCOMPARE(TestFiles::read(path), cam("A send to B 1"));
+}
+
+void tst_LogReport::outputIsKeptWhenNothingCanBeRead()
+{
+    const QString kept = write("kept", "from an earlier run");
+    QCOMPARE(runLogCommand({"--output", kept, file("nothing")}), 3);
+    QCOMPARE(runLogCommand({"--follow", "--output", kept, file("nothing")}), 3);
+    QCOMPARE(TestFiles::read(kept), QByteArray("from an earlier run"));
+}
+
+void tst_LogReport::helpAndVersion()
+{
+    for (const char *option : {"-h", "--help", "-v", "--version"})
+        QCOMPARE(runLogCommand({option}), 0);
 }
 
 namespace {
@@ -313,12 +426,24 @@ void tst_LogReport::followedFileMayBeReplaced()
     QCOMPARE(lines.take(), QByteArrayList{"second"});
 }
 
+void tst_LogReport::interruptionEndsFollowing_data()
+{
+    QTest::addColumn<QStringList>("more");
+    QTest::addColumn<int>("status");
+    QTest::newRow("one file") << QStringList() << 1;
+    QTest::newRow("beside a file that is not there") << QStringList{file("nothing")} << 3;
+}
+
 void tst_LogReport::interruptionEndsFollowing()
 {
+    QFETCH(QStringList, more);
     const QString path = write("log", cam("A send to B 1"));
     const QString result = file("followed");
+    QFile::remove(result);
     int status = -1;
-    std::thread follower([&] { status = runLogCommand({"--follow", "--output", result, path}); });
+    std::thread follower([&] {
+        status = runLogCommand(QStringList{"--follow", "--output", result, path} + more);
+    });
     const auto hasWritten = [&](const QByteArray &text) {
         return QFile::exists(result) && TestFiles::read(result).contains(text);
     };
@@ -330,7 +455,7 @@ void tst_LogReport::interruptionEndsFollowing()
     follower.join();
     QVERIFY(begins);
     QVERIFY(continues);
-    QCOMPARE(status, 1);
+    QTEST(status, "status");
     // The report comes at the end.
     QVERIFY(hasWritten("\n  电路.txt\n    no-library-name: once, "));
     QVERIFY(hasWritten("1 failed load, 0 other errors, 1 message\n"));

@@ -10,6 +10,7 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFileInfo>
+#include <QtCore/QHash>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QThread>
 
@@ -19,6 +20,7 @@
 #    include <io.h>
 #endif
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -68,7 +70,7 @@ private:
 
 void complain(const QString &text)
 {
-    std::fprintf(stderr, "plugincheck log: %s\n", text.toUtf8().constData());
+    std::fprintf(stderr, "plugincheck log: %s\n", readable(text).toUtf8().constData());
 }
 
 struct Options
@@ -122,6 +124,13 @@ private:
     QFile m_file;
     bool m_isGood = true;
 };
+
+void print(const QString &text)
+{
+    Output output;
+    output.open({});
+    output.write(text.toUtf8());
+}
 
 /// Prints lines of the span as text that can be read. What follows a line without a prefix of its own belongs
 /// to it.
@@ -177,7 +186,8 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("decode"), QStringLiteral("Only print the lines, in UTF-8.")},
         {QStringLiteral("follow"),
          QStringLiteral("Print the lines, also those that come, until interrupted; then the report.")},
-        {QStringLiteral("help"), QStringLiteral("Print this.")},
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Print this.")},
+        {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Print the version.")},
     });
     parser.addPositionalArgument(QStringLiteral("file"),
                                  QStringLiteral("A log; \"-\" is the standard input."),
@@ -188,6 +198,7 @@ void addOptions(QCommandLineParser &parser)
 QString check(const QCommandLineParser &parser, Options &options)
 {
     options.files = parser.positionalArguments();
+    options.files.removeDuplicates();
     options.format = parser.value(QStringLiteral("format"));
     options.output = parser.value(QStringLiteral("output"));
     options.follow = parser.isSet(QStringLiteral("follow"));
@@ -202,6 +213,8 @@ QString check(const QCommandLineParser &parser, Options &options)
         return QStringLiteral("--from is no time: ") + parser.value(QStringLiteral("from"));
     if (parser.isSet(QStringLiteral("to")) && !options.span.setTo(parser.value(QStringLiteral("to"))))
         return QStringLiteral("--to is no time: ") + parser.value(QStringLiteral("to"));
+    if (!options.span.isPossible())
+        return QStringLiteral("--to is before --from");
     bool isNumber = false;
     options.draw = parser.value(QStringLiteral("draw")).toInt(&isNumber);
     if (!isNumber || options.draw < 1 || options.draw > mostDrawnAtAll)
@@ -218,16 +231,102 @@ QString check(const QCommandLineParser &parser, Options &options)
     return {};
 }
 
-/// Hands on the lines of one file, and says so when it cannot be read.
-bool readFile(const QString &name, const LineReceiver &receiver)
+/// Files whose names lead to one that was named before are left out: glog makes a link to its newest log
+/// beside it. Says so.
+QStringList withoutLinks(const QStringList &names)
 {
-    QFile file(name);
-    const bool isOpen = name == standardInput ? file.open(stdin, QIODevice::ReadOnly)
-                                              : file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    if (isOpen && readLines(file, receiver))
-        return true;
-    complain(QStringLiteral("cannot read %1: %2").arg(name, file.errorString()));
-    return false;
+    QStringList kept;
+    QHash<QString, QString> nameOf;
+    for (const QString &name : names) {
+        const QString path = name == standardInput ? QString() : QFileInfo(name).canonicalFilePath();
+        if (!path.isEmpty() && nameOf.contains(path)) {
+            complain(QStringLiteral("%1 is the same file as %2").arg(name, nameOf.value(path)));
+            continue;
+        }
+        nameOf.insert(path, name);
+        kept.append(name);
+    }
+    return kept;
+}
+
+/// A file with the line that comes next.
+class LogFile
+{
+public:
+    explicit LogFile(const QString &name)
+        : m_name(name)
+        , m_file(name)
+        , m_reader(m_file)
+    {
+        const bool isOpen = name == standardInput ? m_file.open(stdin, QIODevice::ReadOnly)
+                                                  : m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        if (isOpen)
+            advance();
+    }
+
+    const QString &name() const { return m_name; }
+    bool isRead() const { return m_file.isOpen() && !m_reader.hasFailed(); }
+    QString error() const { return m_file.errorString(); }
+
+    bool hasLine() const { return m_line.has_value(); }
+    std::string_view line() const { return *m_line; }
+    /// Nothing in a line that belongs to the entry before it, or to none.
+    const std::optional<LogTime> &time() const { return m_time; }
+
+    void advance()
+    {
+        m_time.reset();
+        m_line = m_reader.next();
+        if (!m_line)
+            return;
+        if (const auto prefix = parseLogPrefix(*m_line))
+            m_time = prefix->time;
+    }
+
+private:
+    QString m_name;
+    QFile m_file;
+    LineReader m_reader;
+    std::optional<std::string_view> m_line;
+    std::optional<LogTime> m_time;
+};
+
+using LogFiles = std::vector<std::unique_ptr<LogFile>>;
+
+/// Says which cannot be read.
+bool allAreRead(const LogFiles &files)
+{
+    bool all = true;
+    for (const auto &file : files) {
+        if (file->isRead())
+            continue;
+        complain(QStringLiteral("cannot read %1: %2").arg(file->name(), file->error()));
+        all = false;
+    }
+    return all;
+}
+
+LogFiles opened(const QStringList &names)
+{
+    LogFiles files;
+    for (const QString &name : names)
+        files.push_back(std::make_unique<LogFile>(name));
+    return files;
+}
+
+/// The file whose next entry is the oldest; none when all are at their end.
+LogFile *oldest(const LogFiles &files)
+{
+    LogFile *found = nullptr;
+    for (const auto &file : files) {
+        if (!file->hasLine())
+            continue;
+        if (!file->time())
+            return file.get();
+        if (!found || file->time()->isBefore(*found->time()))
+            found = file.get();
+    }
+    return found;
 }
 
 QByteArray formatted(const LogReport &report, const QString &format)
@@ -238,81 +337,139 @@ QByteArray formatted(const LogReport &report, const QString &format)
     return format == QLatin1String("html") ? logPage(json) : logText(json);
 }
 
-bool decodeFiles(const Options &options, Output &output)
+void decodeFiles(const LogFiles &files, const LogSpan &span, Output &output)
 {
-    bool allRead = true;
-    for (const QString &name : options.files) {
-        Printer printer(options.span, output);
-        allRead = readFile(name, [&](std::string_view line) { printer.print(line); }) && allRead;
+    for (const auto &file : files) {
+        Printer printer(span, output);
+        for (; file->hasLine(); file->advance())
+            printer.print(file->line());
     }
-    return allRead;
 }
 
-bool reportFiles(const Options &options, LogReport &report, Output &output)
+/// In the order of time: glog writes into several files at once, and begins new ones.
+void reportFiles(const LogFiles &files, LogReport &report)
 {
-    bool allRead = true;
-    for (const QString &name : options.files) {
-        report.beginFile(name);
-        allRead = readFile(name, [&](std::string_view line) { report.addLine(line); }) && allRead;
-        report.endFile();
+    for (const auto &file : files)
+        report.beginFile(file->name());
+    while (LogFile *const file = oldest(files)) {
+        report.beginFile(file->name());
+        do {
+            report.addLine(file->line());
+            file->advance();
+        } while (file->hasLine() && !file->time());
     }
-    output.write(formatted(report, options.format));
-    return allRead;
+    report.endFile();
 }
 
 /// A file with what prints its lines.
 struct Followed
 {
-    Followed(const QString &name, const Options &options, Output &output)
-        : file(name)
-        , printer(options.span, output)
+    Followed(const QString &fileName, const LogSpan &span, Output &output)
+        : name(fileName)
+        , file(fileName)
+        , printer(span, output)
     {
     }
 
+    QString name;
     FollowedFile file;
     Printer printer;
 };
 
-bool followFiles(const Options &options, LogReport &report, Output &output)
+using FollowedFiles = std::vector<std::unique_ptr<Followed>>;
+
+/// Those that are there; says which are not.
+FollowedFiles openedToFollow(const Options &options, Output &output)
+{
+    FollowedFiles files;
+    for (const QString &name : options.files) {
+        auto followed = std::make_unique<Followed>(name, options.span, output);
+        if (followed->file.open())
+            files.push_back(std::move(followed));
+        else
+            complain(QStringLiteral("cannot read %1: %2").arg(name, followed->file.error()));
+    }
+    return files;
+}
+
+void followFiles(const FollowedFiles &files, LogReport &report, Output &output)
 {
     const Interruption interruption;
-    std::vector<std::unique_ptr<Followed>> followed;
-    for (const QString &name : options.files) {
-        followed.push_back(std::make_unique<Followed>(name, options, output));
-        if (!followed.back()->file.open()) {
-            complain(QStringLiteral("cannot read %1").arg(name));
-            return false;
-        }
-    }
-
-    size_t current = followed.size();
+    const Followed *current = nullptr;
     bool isWritten = true;
-    const auto handOn = [&](size_t index, bool last) {
+    const auto handOn = [&](Followed &followed, bool last) {
         const LineReceiver receiver = [&](std::string_view line) {
-            if (index != current) {
-                report.beginFile(options.files.at(int(index)));
-                if (followed.size() > 1)
-                    output.write("==> " + readable(options.files.at(int(index))).toUtf8() + " <==\n");
-                current = index;
+            if (&followed != current) {
+                report.beginFile(followed.name);
+                if (files.size() > 1)
+                    output.write("==> " + readable(followed.name).toUtf8() + " <==\n");
+                current = &followed;
             }
-            followed[index]->printer.print(line);
+            followed.printer.print(line);
             report.addLine(line);
         };
         if (last)
-            followed[index]->file.finish(receiver);
-        else if (followed[index]->file.poll(receiver))
+            followed.file.finish(receiver);
+        else if (followed.file.poll(receiver))
             isWritten = output.flush();
     };
     while (interrupted == 0 && isWritten) {
-        for (size_t index = 0; index < followed.size(); ++index)
-            handOn(index, false);
+        for (const auto &followed : files)
+            handOn(*followed, false);
         QThread::msleep(pollInMilliseconds);
     }
-    for (size_t index = 0; index < followed.size(); ++index)
-        handOn(index, true);
+    for (const auto &followed : files)
+        handOn(*followed, true);
     report.endFile();
-    output.write("\n" + formatted(report, options.format));
-    return true;
+}
+
+bool allAreLogs(const LogReport &report)
+{
+    const QStringList notLogs = report.notLogs();
+    for (const QString &name : notLogs)
+        complain(QStringLiteral("%1 is no log: glog has written none of its lines").arg(name));
+    return notLogs.isEmpty();
+}
+
+/// What the command does once its line is understood.
+Status run(const Options &options)
+{
+    Output output;
+    const LogFiles files = opened(options.follow ? QStringList() : options.files);
+    const FollowedFiles followed = options.follow ? openedToFollow(options, output) : FollowedFiles();
+    const bool hasAny = !followed.empty() || std::any_of(files.begin(), files.end(), [](const auto &file) {
+        return file->isRead();
+    });
+    if (!hasAny) { // What an earlier run has written is not thrown away for nothing.
+        allAreRead(files);
+        return NotReadable;
+    }
+    if (!output.open(options.output)) {
+        complain(QStringLiteral("cannot write %1: %2").arg(options.output, output.error()));
+        return NotReadable;
+    }
+
+    LogReport::Limits limits;
+    limits.messagesDrawn = options.draw;
+    LogReport report(options.span, limits);
+    if (options.follow)
+        followFiles(followed, report, output);
+    else if (options.decode)
+        decodeFiles(files, options.span, output);
+    else
+        reportFiles(files, report);
+    if (!options.decode)
+        output.write((options.follow ? "\n" : "") + formatted(report, options.format));
+
+    if (!output.flush()) {
+        complain(QStringLiteral("cannot write: ") + output.error());
+        return NotReadable;
+    }
+    const bool allRead =
+        allAreRead(files) && (!options.follow || followed.size() == size_t(options.files.size()));
+    if (!allAreLogs(report) || !allRead)
+        return NotReadable;
+    return report.hasFailures() && !options.decode ? SomethingFailed : AllLoaded;
 }
 
 }
@@ -325,11 +482,12 @@ int PluginCheck::runLogCommand(const QStringList &arguments)
         complain(parser.errorText());
         return WrongUsage;
     }
-    Output output;
     if (parser.isSet(QStringLiteral("help"))) {
-        output.open({});
-        output.write(
-            parser.helpText().replace(QLatin1String(" [options]"), QLatin1String(" log [options]")).toUtf8());
+        print(parser.helpText().replace(QLatin1String(" [options]"), QLatin1String(" log [options]")));
+        return AllLoaded;
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        print(QStringLiteral("plugincheck " PLUGINCHECK_VERSION "\n"));
         return AllLoaded;
     }
     Options options;
@@ -338,22 +496,6 @@ int PluginCheck::runLogCommand(const QStringList &arguments)
         complain(wrong);
         return WrongUsage;
     }
-    if (!output.open(options.output)) {
-        complain(QStringLiteral("cannot write %1: %2").arg(options.output, output.error()));
-        return NotReadable;
-    }
-
-    LogReport::Limits limits;
-    limits.messagesDrawn = options.draw;
-    LogReport report(options.span, limits);
-    const bool allRead = options.decode   ? decodeFiles(options, output)
-                         : options.follow ? followFiles(options, report, output)
-                                          : reportFiles(options, report, output);
-    if (!output.flush()) {
-        complain(QStringLiteral("cannot write: ") + output.error());
-        return NotReadable;
-    }
-    if (!allRead)
-        return NotReadable;
-    return report.hasFailures() ? SomethingFailed : AllLoaded;
+    options.files = withoutLinks(options.files);
+    return run(options);
 }

@@ -13,7 +13,7 @@ using namespace PluginCheck;
 
 namespace {
 
-constexpr int pieceSize = 1024 * 1024;
+constexpr int pieceSize = 64 * 1024;
 constexpr int mostBytesOfLine = 1024 * 1024;
 constexpr int tailSize = 128;
 
@@ -58,20 +58,47 @@ void LineSplitter::finish(const LineReceiver &receiver)
     m_rest.clear();
 }
 
+LineReader::LineReader(QIODevice &device)
+    : m_device(device)
+{
+}
+
+std::optional<std::string_view> LineReader::next()
+{
+    for (;;) {
+        const std::string_view pending = view(m_bytes).substr(size_t(m_at));
+        const size_t end = pending.find('\n');
+        if (end != std::string_view::npos) {
+            m_at += int(end) + 1;
+            return withoutCarriageReturn(pending.substr(0, end));
+        }
+        if (pending.size() <= mostBytesOfLine && readMore())
+            continue;
+        if (pending.empty())
+            return {};
+        m_at = m_bytes.size();
+        return withoutCarriageReturn(pending);
+    }
+}
+
+bool LineReader::readMore()
+{
+    m_bytes.remove(0, m_at);
+    m_at = 0;
+    const int before = m_bytes.size();
+    m_bytes.resize(before + pieceSize);
+    const qint64 size = m_device.read(m_bytes.data() + before, pieceSize);
+    m_bytes.resize(before + int(qMax(size, qint64(0))));
+    m_hasFailed = size < 0;
+    return size > 0;
+}
+
 bool PluginCheck::readLines(QIODevice &device, const LineReceiver &receiver)
 {
-    LineSplitter splitter;
-    std::vector<char> piece(pieceSize);
-    for (;;) {
-        const qint64 size = device.read(piece.data(), pieceSize);
-        if (size < 0)
-            return false;
-        if (size == 0)
-            break;
-        splitter.feed({piece.data(), size_t(size)}, receiver);
-    }
-    splitter.finish(receiver);
-    return true;
+    LineReader reader(device);
+    while (const auto line = reader.next())
+        receiver(*line);
+    return !reader.hasFailed();
 }
 
 FollowedFile::FollowedFile(const QString &name)

@@ -5,6 +5,7 @@
 #include <QtCore/QString>
 
 #include <functional>
+#include <optional>
 #include <string_view>
 
 namespace PluginCheck {
@@ -24,6 +25,25 @@ private:
     QByteArray m_rest;
 };
 
+/// Takes lines from a device one by one. A line that does not end comes in parts, as above.
+class LineReader
+{
+public:
+    explicit LineReader(QIODevice &device);
+
+    /// Valid until the next call. Nothing at the end, or when reading fails.
+    std::optional<std::string_view> next();
+    bool hasFailed() const { return m_hasFailed; }
+
+private:
+    bool readMore();
+
+    QIODevice &m_device;
+    QByteArray m_bytes;
+    int m_at = 0;
+    bool m_hasFailed = false;
+};
+
 /// Hands on all lines of a device. False when reading failed.
 bool readLines(QIODevice &device, const LineReceiver &receiver);
 
@@ -39,6 +59,7 @@ public:
     explicit FollowedFile(const QString &name);
 
     bool open();
+    QString error() const { return m_file.errorString(); }
     /// Hands on the lines that have come since the last call. True when there were any.
     bool poll(const LineReceiver &receiver);
     /// The line that lacks its end.

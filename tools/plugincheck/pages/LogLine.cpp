@@ -98,6 +98,12 @@ QString twoDigits(qint64 number)
 
 }
 
+bool LogTime::isBefore(const LogTime &other) const
+{
+    return std::tie(year, month, day, microseconds)
+           < std::tie(other.year, other.month, other.day, other.microseconds);
+}
+
 QString LogTime::text() const
 {
     if (!isValid())
@@ -164,6 +170,11 @@ bool LogSpan::setTo(const QString &text)
 {
     m_to = parse(text, true);
     return m_to.has_value();
+}
+
+bool LogSpan::isPossible() const
+{
+    return !m_from || !m_to || m_from->hasDay != m_to->hasDay || !m_to->time.isBefore(m_from->time);
 }
 
 bool LogSpan::contains(const LogTime &time) const

@@ -16,6 +16,7 @@ struct LogTime
     qint64 microseconds = 0;
 
     bool isValid() const { return month > 0; }
+    bool isBefore(const LogTime &other) const;
     /// "2026-11-21 14:46:05.123456"
     QString text() const;
 };
@@ -46,6 +47,8 @@ public:
     bool setTo(const QString &text);
 
     bool isOpen() const { return !m_from && !m_to; }
+    /// False when nothing can lie in it, since it ends before it begins.
+    bool isPossible() const;
     bool contains(const LogTime &time) const;
 
 private:

@@ -176,6 +176,12 @@ QByteArray PluginCheck::logPage(const QJsonObject &report)
                      {number(summary, "errors"), QStringLiteral("other errors"), "error"},
                      {number(summary, "messages"), QStringLiteral("messages delivered"), {}}});
     page.addParagraph(remarks(summary));
+    for (const QJsonValue value : list(report, "files")) {
+        const QJsonObject file = value.toObject();
+        if (!file.value(QStringLiteral("isLog")).toBool())
+            page.addParagraph(text(file, "file")
+                              + QStringLiteral(" is no log: glog has written none of its lines."));
+    }
     page.addFilter({}, QStringLiteral("Sender or receiver"), participants(report));
     page.addHeading(QStringLiteral("What did not load"));
     if (list(report, "failures").isEmpty())

@@ -138,9 +138,11 @@ QString PluginCheck::messageTypeText(const QString &type)
 
 void LogReport::Occurrences::add(const LogTime &time)
 {
-    if (count++ == 0)
+    if (count == 0 || time.isBefore(first))
         first = time;
-    last = time;
+    if (count == 0 || last.isBefore(time))
+        last = time;
+    ++count;
 }
 
 void LogReport::Occurrences::describe(QJsonObject &object) const
@@ -163,7 +165,17 @@ void LogReport::beginFile(const QString &name)
         std::find_if(m_files.begin(), m_files.end(), [&](const File &file) { return file.name == name; });
     m_file = int(same - m_files.begin());
     if (same == m_files.end())
-        m_files.append({name, 0, 0});
+        m_files.append({name});
+}
+
+QStringList LogReport::notLogs() const
+{
+    QStringList names;
+    for (const File &file : m_files) {
+        if (file.isNoLog())
+            names.append(file.name);
+    }
+    return names;
 }
 
 void LogReport::addLine(std::string_view line)
@@ -173,9 +185,12 @@ void LogReport::addLine(std::string_view line)
     file.bytes += qint64(line.size()) + 1;
 
     const auto prefix = parseLogPrefix(line);
-    if (prefix || isLogHeader(line))
+    const bool isHeader = !prefix && isLogHeader(line);
+    file.hasHeader = file.hasHeader || isHeader;
+    if (prefix || isHeader)
         finishMessage();
     if (prefix) {
+        ++file.entries;
         m_isOpen = true;
         m_prefix = *prefix;
         m_unit = copyOf(prefix->unit);
@@ -204,9 +219,7 @@ void LogReport::finishMessage()
         ++m_alsoInOtherFile;
         return;
     }
-    if (m_messagesRead++ == 0)
-        m_first = m_prefix.time;
-    m_last = m_prefix.time;
+    m_read.add(m_prefix.time);
     count(std::string_view(m_open.constData(), size_t(m_open.size())).substr(m_prefix.length));
 }
 
@@ -456,14 +469,14 @@ QJsonObject LogReport::toJson() const
          QJsonObject{{QStringLiteral("name"), QStringLiteral("plugincheck")},
                      {QStringLiteral("version"), QStringLiteral(PLUGINCHECK_VERSION)}}},
         {QStringLiteral("files"), filesJson()},
-        {QStringLiteral("first"), m_first.text()},
-        {QStringLiteral("last"), m_last.text()},
+        {QStringLiteral("first"), m_read.first.text()},
+        {QStringLiteral("last"), m_read.last.text()},
         {QStringLiteral("failures"), failuresJson()},
         {QStringLiteral("errors"), errorsJson()},
         {QStringLiteral("messages"), messagesJson()},
         {QStringLiteral("traffic"), trafficJson()},
         {QStringLiteral("notDrawn"), m_notDrawn},
-        {QStringLiteral("summary"), QJsonObject{{QStringLiteral("entries"), m_messagesRead},
+        {QStringLiteral("summary"), QJsonObject{{QStringLiteral("entries"), m_read.count},
                                                 {QStringLiteral("outsideSpan"), m_outsideSpan},
                                                 {QStringLiteral("alsoInOtherFile"), m_alsoInOtherFile},
                                                 {QStringLiteral("notTheLibrarys"), m_notTheLibrarys},
@@ -480,7 +493,8 @@ QJsonArray LogReport::filesJson() const
     for (const File &file : m_files)
         files.append(QJsonObject{{QStringLiteral("file"), file.name},
                                  {QStringLiteral("lines"), file.lines},
-                                 {QStringLiteral("bytes"), file.bytes}});
+                                 {QStringLiteral("bytes"), file.bytes},
+                                 {QStringLiteral("isLog"), !file.isNoLog()}});
     return files;
 }
 

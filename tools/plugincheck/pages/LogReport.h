@@ -38,6 +38,8 @@ public:
     void endFile();
 
     bool hasFailures() const { return !m_failures.isEmpty(); }
+    /// The files that have lines, and none that glog writes.
+    QStringList notLogs() const;
 
     /// Described in docs/plugincheck-log.md.
     QJsonObject toJson() const;
@@ -93,6 +95,10 @@ private:
         QString name;
         qint64 lines = 0;
         qint64 bytes = 0;
+        qint64 entries = 0;
+        bool hasHeader = false;
+
+        bool isNoLog() const { return lines > 0 && entries == 0 && !hasHeader; }
     };
 
     void finishMessage();
@@ -129,9 +135,8 @@ private:
     /// Warnings and errors stand in several files of glog's; each is counted once.
     QHash<size_t, int> m_seen;
 
-    LogTime m_first;
-    LogTime m_last;
-    qint64 m_messagesRead = 0;
+    /// The entries that are counted.
+    Occurrences m_read;
     qint64 m_outsideSpan = 0;
     qint64 m_alsoInOtherFile = 0;
     qint64 m_notTheLibrarys = 0;

@@ -24,7 +24,10 @@ QString headOf(const QJsonObject &report)
     for (const QJsonValue value : list(report, "files")) {
         const QJsonObject file = value.toObject();
         head += readable(text(file, "file")) + QStringLiteral(": ")
-                + counted(number(file, "lines"), "line", "lines") + QLatin1Char('\n');
+                + counted(number(file, "lines"), "line", "lines");
+        if (!file.value(QStringLiteral("isLog")).toBool())
+            head += QStringLiteral(", none of which glog has written");
+        head += QLatin1Char('\n');
     }
     if (!text(report, "first").isEmpty())
         head += text(report, "first") + QStringLiteral(" to ") + text(report, "last") + QLatin1Char('\n');
