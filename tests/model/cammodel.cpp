@@ -1,5 +1,7 @@
 #include "cammodel.h"
 
+#include "gbktexts.h"
+
 #include <QtCore/QException>
 
 #include <sstream>
@@ -48,6 +50,33 @@ QString read(PluginMetaData &message, const char *key)
 
 }
 
+void CamModel::restart(const QHash<QString, Library> &loaded)
+{
+    libraries = loaded;
+    registry.records.clear();
+    events.clear();
+    m_described.clear();
+    m_isCAMLoaded = m_isDFMLoaded = false;
+}
+
+bool CamModel::loadAllPlugins(const Configuration &configuration)
+{
+    m_described += readConfiguration(configuration);
+    m_described.removeDuplicates();
+    load(m_described);
+    m_isCAMLoaded = true;
+    return true;
+}
+
+bool CamModel::loadAllDFMPlugins(const Configuration &configuration)
+{
+    QStringList described = readConfiguration(configuration);
+    described.removeDuplicates();
+    load(described);
+    m_isDFMLoaded = true;
+    return true;
+}
+
 void CamModel::insertRoot(const std::string &name, void *root)
 {
     registry.append({"EngineerRoot", name, root, nullptr});
@@ -58,22 +87,22 @@ void *CamModel::getRoot()
     return registry.findRoot().object;
 }
 
-void *CamModel::registerElement(const QString &library, const QString &symbol, QWidget *parent,
-                                const QString &text)
+void *CamModel::registerElement(const std::string &library, const QString &symbol, QWidget *parent,
+                                const QString &factoryText)
 {
-    if (!exportsFactory(library))
+    if (!exports(text(library), symbol))
         return nullptr;
-    const RegisterRecord known = registry.find(library.toStdString(), parent);
+    const RegisterRecord known = registry.find(library, parent);
     if (!known.isEmpty())
         return known.object;
-    void *const element = callFactory({library, symbol, parent, text, nullptr});
-    registry.append({"Plugin", library.toStdString(), element, parent});
+    void *const element = callFactory({text(library), symbol, parent, factoryText, nullptr});
+    registry.append({"Plugin", library, element, parent});
     return element;
 }
 
 void *CamModel::registerGraphicFramework(QWidget *parent, const std::string &name, bool isCamAssistant)
 {
-    if (!exportsFactory(graphicEditor))
+    if (!exports(graphicEditor, graphicFactory))
         return nullptr;
     const RegisterRecord known = registry.findFrame("Graphic", name);
     if (!known.isEmpty())
@@ -92,7 +121,7 @@ void *CamModel::registerGraphicFramework(QWidget *parent, const std::string &nam
 
 void *CamModel::registerDFMGraphicFramework(QWidget *parent, const std::string &name)
 {
-    if (!exportsFactory(graphicEditor))
+    if (!exports(graphicEditor, graphicFactory))
         return nullptr;
     const RegisterRecord known = registry.findFrame("Graphic", name);
     if (!known.isEmpty())
@@ -110,7 +139,7 @@ void *CamModel::registerDFMGraphicFramework(QWidget *parent, const std::string &
 void *CamModel::registerGraphicFramework4Quorel(QWidget *parent, const std::string &job,
                                                 const std::string &step)
 {
-    if (!exportsFactory(graphicEditor))
+    if (!exports(graphicEditor, graphicFactory))
         return nullptr;
     const std::string name = job + " | " + step;
     const RegisterRecord known = registry.findFrame("Graphic", name);
@@ -127,7 +156,7 @@ void *CamModel::registerGraphicFramework4Quorel(QWidget *parent, const std::stri
 void *CamModel::registerDFMGraphicFramework4Quorel(QWidget *parent, const std::string &job,
                                                    const std::string &step)
 {
-    if (!exportsFactory(graphicEditor))
+    if (!exports(graphicEditor, graphicFactory))
         return nullptr;
     const std::string key = job + " | " + step;
     const RegisterRecord known = registry.findGraphicByKey(key);
@@ -144,7 +173,7 @@ void *CamModel::registerDFMGraphicFramework4Quorel(QWidget *parent, const std::s
 
 void *CamModel::registerMatrixFramework(QWidget *parent, const std::string &job)
 {
-    if (!exportsFactory(matrixEditor))
+    if (!exports(matrixEditor, matrixFactory))
         return nullptr;
     const RegisterRecord known = registry.findFrame("Matrix", job);
     if (!known.isEmpty())
@@ -157,7 +186,7 @@ void *CamModel::registerMatrixFramework(QWidget *parent, const std::string &job)
 
 void *CamModel::registerGuideFramework(QWidget *parent, const std::string &job)
 {
-    if (!exportsFactory(camGuide))
+    if (!exports(camGuide, guideFactory))
         return nullptr;
     const RegisterRecord known = registry.findFrame("Guide", job);
     if (!known.isEmpty())
@@ -170,7 +199,7 @@ void *CamModel::registerGuideFramework(QWidget *parent, const std::string &job)
 
 void *CamModel::registerCamGuide(const std::string &name, QWidget *parent, const std::string &job)
 {
-    if (!exportsFactory(camGuide))
+    if (!exports(camGuide, guideFactory))
         return nullptr;
     const RegisterRecord known = registry.find(name, parent);
     if (!known.isEmpty())
@@ -424,15 +453,48 @@ void CamModel::updateGuide(const QString &name, const PluginMetaData &message)
     });
 }
 
-bool CamModel::exportsFactory(const QString &library) const
+QStringList CamModel::readConfiguration(const Configuration &configuration)
 {
-    return libraries.contains(library) && libraries[library].exportsFactory;
+    switch (configuration.state) {
+    case Configuration::State::Listing:
+        return configuration.names;
+    case Configuration::State::Missing:
+        informOfLoading(Gbk::configMissing + configuration.path.toUtf8());
+        break;
+    case Configuration::State::NoJson:
+        informOfLoading(Gbk::configNotParsed + configuration.path.toUtf8());
+        break;
+    }
+    return {};
+}
+
+void CamModel::load(const QStringList &names)
+{
+    for (const QString &name : names) {
+        const QString file = name + ".dll";
+        if (loadable.contains(file)) {
+            libraries[file] = loadable[file];
+            continue;
+        }
+        informOfLoading(Gbk::loadFailed + file.toUtf8() + Gbk::loadFailedReason + reasonOfAbsence);
+        events.emplace_back(
+            CamEvents::Box{QStringLiteral("提示"), QStringLiteral("加载插件失败！失败路径：") + file, false});
+    }
+    inform('I', Gbk::allLoaded);
+}
+
+bool CamModel::exports(const QString &library, const QString &factory) const
+{
+    return libraries.contains(library) && libraries[library].factories.contains(factory);
 }
 
 void *CamModel::callFactory(Recorder::FactoryCall call)
 {
+    call.library = libraries[call.library].name;
+    events.emplace_back(registry.records);
+    events.emplace_back(CamEvents::FactoryEntry{call.library, call.parent});
     call.element = onFactory();
-    factoryCalls.append(call);
+    events.emplace_back(call);
     return call.element;
 }
 
@@ -440,7 +502,8 @@ bool CamModel::deliver(const QString &library, void *target, const PluginMetaDat
 {
     if (!libraries.contains(library) || !libraries[library].exportsEntryPoint)
         return false;
-    deliveries.append({library, target, message});
+    events.emplace_back(registry.records);
+    events.emplace_back(Recorder::Delivery{libraries[library].name, target, message});
     onDelivery();
     return true;
 }
@@ -474,7 +537,12 @@ void CamModel::deleteFrame(void *frame, const QString &editor)
 
 void CamModel::inform(char severity, const QByteArray &text)
 {
-    log.append({severity, "pluginManger4CAM", text});
+    events.emplace_back(LogLines::Line{severity, "pluginManger4CAM", text});
+}
+
+void CamModel::informOfLoading(const QByteArray &text)
+{
+    events.emplace_back(LogLines::Line{'E', "pluginMangerBase", text});
 }
 
 void CamModel::showing(const char *text, const std::function<void()> &action)
@@ -482,7 +550,7 @@ void CamModel::showing(const char *text, const std::function<void()> &action)
     try {
         action();
     } catch (const QException *) {
-        boxes.append(QString::fromLatin1(text));
+        events.emplace_back(CamEvents::Box{QStringLiteral("Info"), QString::fromLatin1(text), false});
         inform('E', text);
     }
 }

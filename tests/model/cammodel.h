@@ -1,7 +1,6 @@
 #pragma once
 
-#include "loglines.h"
-#include "recorder.h"
+#include "events.h"
 #include "registrymodel.h"
 
 #include <QtCore/QHash>
@@ -17,12 +16,27 @@ class CamModel
 public:
     struct Library
     {
-        bool exportsFactory;
+        /// What its plug-in calls itself, whatever it is listed as.
+        QString name;
+        QStringList factories;
         bool exportsEntryPoint;
     };
 
-    /// The loaded libraries, by file name.
+    /// What a configuration file has to say.
+    struct Configuration
+    {
+        enum class State { Listing, Missing, NoJson };
+
+        QString path;
+        State state;
+        QStringList names;
+    };
+
+    /// The loaded libraries, by the name that they are listed as.
     QHash<QString, Library> libraries;
+    /// What is found when a configuration file names it. The loader says of anything else `reasonOfAbsence`.
+    QHash<QString, Library> loadable;
+    QByteArray reasonOfAbsence;
     /// Returns the element that a factory makes. May call operations of this object.
     std::function<void *()> onFactory;
     /// What the plug-in does that is told something. May call operations of this object, and may throw.
@@ -30,18 +44,22 @@ public:
 
     RegistryModel registry;
 
-    /// What has happened outside the registry, in its order.
-    QList<Recorder::FactoryCall> factoryCalls;
-    QList<Recorder::Delivery> deliveries;
-    QList<LogLines::Line> log;
-    /// The texts of the boxes titled "Info".
-    QStringList boxes;
+    /// What has happened.
+    std::vector<CamEvent> events;
+
+    /// Forgets everything but what there is to load, and loads `loaded`.
+    void restart(const QHash<QString, Library> &loaded);
+
+    bool loadAllPlugins(const Configuration &configuration);
+    bool loadAllDFMPlugins(const Configuration &configuration);
+    bool isCAMLoaded() const { return m_isCAMLoaded; }
+    bool isDFMLoaded() const { return m_isDFMLoaded; }
 
     void insertRoot(const std::string &name, void *root);
     void *getRoot();
 
-    void *registerElement(const QString &library, const QString &symbol, QWidget *parent,
-                          const QString &text);
+    void *registerElement(const std::string &library, const QString &symbol, QWidget *parent,
+                          const QString &factoryText);
 
     void *registerGraphicFramework(QWidget *parent, const std::string &name, bool isCamAssistant);
     void *registerDFMGraphicFramework(QWidget *parent, const std::string &name);
@@ -76,7 +94,9 @@ public:
     void updateGuide(const QString &name, const PluginMetaData &message);
 
 private:
-    bool exportsFactory(const QString &library) const;
+    QStringList readConfiguration(const Configuration &configuration);
+    void load(const QStringList &names);
+    bool exports(const QString &library, const QString &factory) const;
     void *callFactory(Recorder::FactoryCall call);
     bool deliver(const QString &library, void *target, const PluginMetaData &message);
     void deliverToNamed(void *parent, const PluginMetaData &message);
@@ -84,5 +104,10 @@ private:
     void deliverToRoot(const PluginMetaData &message);
     void deleteFrame(void *frame, const QString &editor);
     void inform(char severity, const QByteArray &text);
+    void informOfLoading(const QByteArray &text);
     void showing(const char *text, const std::function<void()> &action);
+
+    QStringList m_described;
+    bool m_isCAMLoaded = false;
+    bool m_isDFMLoaded = false;
 };

@@ -4,34 +4,102 @@
 #include "elementtable.h"
 #include "openmanager.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QException>
 #include <QtCore/QLibrary>
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
 
 namespace {
 
 using Manager = QTpluginsManger4CAM;
-using Step = CamWalk::Step;
-using Reaction = CamWalk::Reaction;
+using namespace std::string_literals;
 
 QException failure;
 
 const QStringList partialLibraries{"ORVIK-GraphicEditor.dll", "ORVIK-Matrix.dll", "Graphic_CamGuide.dll",
                                    "Graphic_View.dll", "Graphic_JobList.dll"};
+const QStringList frameFactories{"GetORVIKGraphicInstance", "GetORVIKMatrixInstance",
+                                 "GetPluginCamGuideInstance"};
+const QString commonLibrary = "Any_Library.dll";
 
-const std::string jobs[] = {
-    "A", "A", "A",       "A", "A", "B",       "B",         "B",       "AB",   "XA",           "A",
-    "B", "7", "A|Guide", "",  "Ä", "B|Guide", "!$*!OV?*?", "A | pcb", "\xff", "\xef\xbf\xbd", "\xef\xbb\xbfZ",
-    "Z"};
-const std::string steps[] = {"pcb", "top", "pcb", "", "ß", "!*$!DFM?*?"};
-const std::string elements[] = {"Graphic_View.dll",     "Graphic_View.dll",
-                                "Graphic_View.dll",     "Graphic_JobList.dll",
-                                "Matrix.dll",           "Graphic_Tips.dll",
-                                "My Graphic_View.dll",  "ORVIK-Matrix.dll",
-                                "Absent.dll",           "",
-                                "\xffGraphic_View.dll", "\xef\xbb\xbfGraphic_View.dll"};
+// Half of a surrogate pair, which no bytes convert to, and which converts to a question mark.
+const QString half = QChar(0xd83d);
+const QString otherHalf = QChar(0xde00);
+const QString byteOrderMark = QChar(QChar::ByteOrderMark);
+
+/// Names under which the common library is listed besides its own, so that damaged names find one.
+const QStringList aliases{QChar(QChar::ReplacementCharacter) + commonLibrary,
+                          commonLibrary + QChar(0) + 'x',
+                          half + otherHalf + ".dll",
+                          half + ".dll",
+                          "?.dll",
+                          ""};
+
+const std::string jobs[] = {"A",
+                            "A",
+                            "A",
+                            "A",
+                            "A",
+                            "B",
+                            "B",
+                            "B",
+                            "AB",
+                            "XA",
+                            "A",
+                            "B",
+                            "7",
+                            "A|Guide",
+                            "",
+                            "Ä",
+                            "B|Guide",
+                            "!$*!OV?*?",
+                            "A | pcb",
+                            "\xff",
+                            "\xef\xbf\xbd",
+                            "\xef\xbb\xbfZ",
+                            "Z",
+                            "?",
+                            "?",
+                            "A\0"s,
+                            "\xf0\x9f\x98\x80",
+                            "\xed\xa0\xbd"};
+const std::string steps[] = {"pcb", "top", "pcb", "", "ß", "!*$!DFM?*?", "?", "\0"s, "\xfe"};
+const std::string elements[] = {"Graphic_View.dll",
+                                "Graphic_View.dll",
+                                "Graphic_View.dll",
+                                "Graphic_JobList.dll",
+                                "Matrix.dll",
+                                "Graphic_Tips.dll",
+                                "My Graphic_View.dll",
+                                "ORVIK-Matrix.dll",
+                                "Absent.dll",
+                                "",
+                                "\xffGraphic_View.dll",
+                                "\xef\xbb\xbfGraphic_View.dll",
+                                "?.dll",
+                                "Graphic_View.dll\0"s};
+const std::string libraries[] = {"Any_Library.dll",
+                                 "Any_Library.dll",
+                                 "\xef\xbb\xbf"
+                                 "Any_Library.dll",
+                                 "\xff"
+                                 "Any_Library.dll",
+                                 "\xfe"
+                                 "Any_Library.dll",
+                                 "\xef\xbf\xbd"
+                                 "Any_Library.dll",
+                                 "Any_Library.dll\0x"s,
+                                 "Any_Library.dll\0"s,
+                                 "\xf0\x9f\x98\x80.dll",
+                                 "?.dll",
+                                 "",
+                                 "Absent.dll",
+                                 "Graphic_View.dll",
+                                 "Graphic_MenuBar_DFM.dll"};
 const QString destinations[] = {"Graphic_View.dll",
                                 "Graphic_View.dll",
                                 "Graphic_View.dll",
@@ -42,161 +110,64 @@ const QString destinations[] = {"Graphic_View.dll",
                                 "ORVIK-Matrix.dll",
                                 "ORVIK-GraphicEditor.dll",
                                 "Graphic_CamGuide.dll",
+                                "Any_Library.dll",
+                                "?.dll",
                                 "Absent.dll",
                                 "View.dll",
                                 ""};
 const QString sources[] = {"Alpha.dll", "Beta.dll.dll", "", "gamma.DLL", "Ä.dll"};
+const QString ownTexts[] = {QString(),
+                            "",
+                            half,
+                            otherHalf,
+                            half + otherHalf,
+                            otherHalf + half,
+                            QChar(0),
+                            byteOrderMark,
+                            QChar(QChar::ReplacementCharacter),
+                            "A" + half,
+                            "?"};
+const QString listedNames[] = {"Graphic_View", "Graphic_CamGuide", "ORVIK-GraphicEditor",
+                               "ORVIK-Matrix", "Matrix",           "Graphic_JobList",
+                               "Absent"};
 const qint32 types[] = {7, 7, 7, 10000000, -1, std::numeric_limits<qint32>::min()};
 const int moments[] = {0, 1, 1, 1, 2, 3};
-const QString kinds[] = {"Graphic",      "EngineerRoot", "Matrix", "Guide",   "Graphic",
-                         "EngineerRoot", "Matrix",       "Guide",  "graphic", ""};
-
-/// A public operation: how often it comes, how it is called, and what the model says to it.
-struct Operation
-{
-    const char *name;
-    int weight;
-    std::function<void *(Manager &, const Step &)> call;
-    std::function<void *(CamModel &, const Step &)> model;
-};
+const QString kinds[] = {"Graphic", "EngineerRoot", "Matrix",  "Guide", "Graphic", "EngineerRoot",
+                         "Matrix",  "Guide",        "graphic", "",      QString()};
 
 QString text(const std::string &bytes)
 {
     return QString::fromStdString(bytes);
 }
 
-/// A call without a result.
-template <typename Call>
-auto quiet(Call call)
-{
-    return [call](auto &object, const Step &step) -> void * {
-        call(object, step);
-        return nullptr;
-    };
-}
-
-const QList<ElementRow> &elementRows()
-{
-    static const QList<ElementRow> rows = elementTable();
-    return rows;
-}
-
-void *asResult(bool value)
-{
-    return reinterpret_cast<void *>(quintptr(value));
-}
-
-const std::vector<Operation> &operationTable()
-{
-    using M = Manager;
-    using C = CamModel;
-    using S = const Step &;
-    static const std::vector<Operation> all{
-        {"insertRoot", 2, quiet([](M &m, S s) { m.insertRoot(s.job, s.made); }),
-         quiet([](C &c, S s) { c.insertRoot(s.job, s.made); })},
-        {"getRoot", 1, [](M &m, S) { return m.getRoot(); }, [](C &c, S) { return c.getRoot(); }},
-        {"Ov_isRegisterFrame", 1, [](M &m, S s) { return asResult(m.Ov_isRegisterFrame(s.frame)); },
-         [](C &, S) { return asResult(true); }},
-        {"Ov_RegisterClear", 1, quiet([](M &m, S) { m.Ov_RegisterClear(); }), quiet([](C &, S) {})},
-        {"plugin", 1, [](M &m, S s) { return asResult(m.plugin(s.message.dst)); },
-         [](C &c, S s) { return asResult(c.libraries.contains(s.message.dst)); }},
-
-        {"element", 12, [](M &, S s) { return elementRows()[s.row].call(s.parent, s.job); },
-         [](C &c, S s) {
-             const ElementRow &row = elementRows()[s.row];
-             return c.registerElement(row.library, row.symbol, s.parent,
-                                      row.takesText ? text(s.job) : QString());
-         }},
-        {"Ov_Register_CamGuide", 20,
-         [](M &m, S s) { return m.Ov_Register_CamGuide(s.element, s.parent, s.job); },
-         [](C &c, S s) { return c.registerCamGuide(s.element, s.parent, s.job); }},
-
-        {"Ov_RegisterGraphicFramework", 8,
-         [](M &m, S s) { return m.Ov_RegisterGraphicFramework(s.parent, s.name, s.flag); },
-         [](C &c, S s) { return c.registerGraphicFramework(s.parent, s.name, s.flag); }},
-        {"Ov_RegisterDFMGraphicFramework", 3,
-         [](M &m, S s) { return m.Ov_RegisterDFMGraphicFramework(s.parent, s.name, s.flag); },
-         [](C &c, S s) { return c.registerDFMGraphicFramework(s.parent, s.name); }},
-        {"Ov_RegisterGraphicFramework4Quorel", 4,
-         [](M &m, S s) { return m.Ov_RegisterGraphicFramework4Quorel(s.parent, s.job, s.step); },
-         [](C &c, S s) { return c.registerGraphicFramework4Quorel(s.parent, s.job, s.step); }},
-        {"Ov_RegisterDFMGraphicFramework4Quorel", 3,
-         [](M &m, S s) { return m.Ov_RegisterDFMGraphicFramework4Quorel(s.parent, s.job, s.step); },
-         [](C &c, S s) { return c.registerDFMGraphicFramework4Quorel(s.parent, s.job, s.step); }},
-        {"Ov_RegisterMatrixFramework", 6,
-         [](M &m, S s) { return m.Ov_RegisterMatrixFramework(s.parent, s.job); },
-         [](C &c, S s) { return c.registerMatrixFramework(s.parent, s.job); }},
-        {"Ov_RegisterGuideFramework", 4,
-         [](M &m, S s) { return m.Ov_RegisterGuideFramework(s.parent, s.flag ? s.job : s.job + "|Guide"); },
-         [](C &c, S s) { return c.registerGuideFramework(s.parent, s.flag ? s.job : s.job + "|Guide"); }},
-        {"Ov_UnRegisterGraphicFramework4Quorel", 2,
-         quiet([](M &m, S s) { m.Ov_UnRegisterGraphicFramework4Quorel(s.job, s.step); }),
-         quiet([](C &c, S s) { c.unregisterGraphicFramework4Quorel(s.job, s.step); })},
-        {"Ov_UnRegisterDFMGraphicFramework4Quorel", 2,
-         quiet([](M &m, S s) { m.Ov_UnRegisterDFMGraphicFramework4Quorel(s.job, s.step); }),
-         quiet([](C &c, S s) { c.unregisterDFMGraphicFramework4Quorel(s.job, s.step); })},
-
-        {"recMegToPlugin", 8, quiet([](M &m, S s) { m.recMegToPlugin(s.frame, s.message); }),
-         quiet([](C &c, S s) { c.recMegToPlugin(s.frame, s.message); })},
-        {"pluginTransmitData", 8, quiet([](M &m, S s) { m.pluginTransmitData(s.message); }),
-         quiet([](C &c, S s) { c.pluginTransmitData(s.message); })},
-        {"transmitDataToFramework", 3,
-         quiet([](M &m, S s) { m.transmitDataToFramework(s.frame, s.message); }),
-         quiet([](C &c, S s) { c.transmitDataToFramework(s.frame, s.message); })},
-        {"sendKeyBoardStatusToGraphic", 3,
-         quiet([](M &m, S s) { m.sendKeyBoardStatusToGraphic(s.frame, s.message); }),
-         quiet([](C &c, S s) { c.sendKeyBoardStatusToGraphic(s.frame, s.message); })},
-        {"Eda_CAM_TransmitData", 3, quiet([](M &m, S s) { m.Eda_CAM_TransmitData(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.edaCAMTransmitData(text(s.job), s.message); })},
-        {"Eda_setTransmitData", 3,
-         quiet([](M &m, S s) { m.Eda_setTransmitData(s.kind, text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.edaSetTransmitData(s.kind, text(s.job), s.message); })},
-
-        {"Ov_SetCurrentText", 3, quiet([](M &m, S s) { m.Ov_SetCurrentText(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.setCurrentText(text(s.job), s.message); })},
-        {"setInterfaceTexts", 3,
-         quiet([](M &m, S s) { m.setInterfaceTexts(s.kind, text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.setInterfaceTexts(s.kind, text(s.job), s.message); })},
-        {"setEngineerText", 1, quiet([](M &m, S s) { m.setEngineerText(text(s.job), s.message); }),
-         quiet([](C &, S) {})},
-        {"setGraphicText", 1, quiet([](M &m, S s) { m.setGraphicText(text(s.job), s.message); }),
-         quiet([](C &, S) {})},
-        {"setMatrixText", 1, quiet([](M &m, S s) { m.setMatrixText(text(s.job), s.message); }),
-         quiet([](C &, S) {})},
-
-        {"ChangeCompareJobInfo", 3, quiet([](M &m, S s) { m.ChangeCompareJobInfo(s.message); }),
-         quiet([](C &c, S s) { c.changeCompareJobInfo(s.message); })},
-        {"OV_ChangeJobNameAndUpdateJob", 5,
-         quiet([](M &m, S s) { m.OV_ChangeJobNameAndUpdateJob(text(s.job), text(s.otherJob)); }),
-         quiet([](C &c, S s) { c.changeJobNameAndUpdateJob(text(s.job), text(s.otherJob)); })},
-        {"Ov_ChangeStepName", 3,
-         quiet([](M &m, S s) { m.Ov_ChangeStepName(text(s.job), text(s.step), text(s.otherStep)); }),
-         quiet([](C &c, S s) { c.changeStepName(text(s.job), text(s.step), text(s.otherStep)); })},
-        {"Ov_DeleteTreeNode", 4,
-         quiet([](M &m, S s) { m.Ov_DeleteTreeNode(s.kind, text(s.kind == "Graphic" ? s.name : s.job)); }),
-         quiet([](C &c, S s) { c.deleteTreeNode(s.kind, text(s.kind == "Graphic" ? s.name : s.job)); })},
-        {"Ov_UpdateJob", 4, quiet([](M &m, S s) { m.Ov_UpdateJob(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.updateJob(text(s.job), s.message); })},
-
-        {"updateEngieer", 3, quiet([](M &m, S s) { m.updateEngieer(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.updateEngieer(s.message); })},
-        {"updateGraphic", 6, quiet([](M &m, S s) { m.updateGraphic(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.updateGraphic(text(s.job), s.message); })},
-        {"updateMatrix", 5, quiet([](M &m, S s) { m.updateMatrix(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.updateMatrix(text(s.job), s.message); })},
-        {"updateGuide", 3, quiet([](M &m, S s) { m.updateGuide(text(s.job), s.message); }),
-         quiet([](C &c, S s) { c.updateGuide(text(s.job), s.message); })},
-    };
-    return all;
-}
-
 /// The indices of the operations, each as often as it weighs.
-std::vector<int> weighed()
+std::vector<int> weighed(bool onlyForPlugins)
 {
     std::vector<int> indices;
-    for (size_t index = 0; index < operationTable().size(); ++index)
-        indices.insert(indices.end(), size_t(operationTable()[index].weight), int(index));
+    for (size_t index = 0; index < operationTable().size(); ++index) {
+        const Operation &operation = operationTable()[index];
+        if (operation.isForPlugins || !onlyForPlugins)
+            indices.insert(indices.end(), size_t(operation.weight), int(index));
+    }
     return indices;
+}
+
+/// As a rule the text, now and then another that is much like it to a careless reader, or one of its own.
+QString varied(Choices &choices, QString text)
+{
+    switch (choices.below(32)) {
+    case 27:
+        return choices.of(ownTexts);
+    case 28:
+        return text + half;
+    case 29:
+        return byteOrderMark + text;
+    case 30:
+    case 31:
+        return text.replace('?', half);
+    default:
+        return text;
+    }
 }
 
 QMap<QString, QVariant> decodeData(Choices &choices)
@@ -212,7 +183,7 @@ QMap<QString, QVariant> decodeData(Choices &choices)
     for (const char *const key : {"ChangeStepName", "OldJobName", "NewJobName"}) {
         switch (choices.below(8)) {
         case 5:
-            data.insert(key, text(choices.of(steps)));
+            data.insert(key, varied(choices, text(choices.of(steps))));
             break;
         case 6:
             data.insert(key, QVariant());
@@ -227,6 +198,48 @@ QMap<QString, QVariant> decodeData(Choices &choices)
     return data;
 }
 
+/// Gives a step the texts of its own.
+void vary(Step &step, Choices &choices)
+{
+    step.jobText = varied(choices, text(step.job));
+    step.otherJobText = varied(choices, text(step.otherJob));
+    step.stepText = varied(choices, text(step.step));
+    step.otherStepText = varied(choices, step.otherStepText);
+    step.nameText = varied(choices, text(step.name));
+    step.message.src = varied(choices, step.message.src);
+    step.message.dst = varied(choices, step.message.dst);
+    for (const char *const key : {"JobName", "Step"}) {
+        if (step.message.data.contains(key))
+            step.message.data[key] = varied(choices, step.message.data[key].toString());
+    }
+}
+
+CamModel::Configuration::State decodeFileState(Choices &choices)
+{
+    switch (choices.below(8)) {
+    case 6:
+        return CamModel::Configuration::State::Missing;
+    case 7:
+        return CamModel::Configuration::State::NoJson;
+    default:
+        return CamModel::Configuration::State::Listing;
+    }
+}
+
+Reaction decodeReaction(Choices &choices)
+{
+    const int choice = choices.below(32);
+    if (choice < 21)
+        return Reaction::None;
+    if (choice < 25)
+        return Reaction::ThrowPointer;
+    if (choice < 28)
+        return Reaction::Nested;
+    constexpr Reaction others[] = {Reaction::ThrowValue, Reaction::ThrowException, Reaction::ThrowNumber,
+                                   Reaction::Nested};
+    return others[choice - 28];
+}
+
 QLibrary *open(const QString &path)
 {
     auto *const library = new QLibrary(path);
@@ -235,53 +248,15 @@ QLibrary *open(const QString &path)
     return library;
 }
 
-template <typename Value>
-bool sameValue(const Value &left, const Value &right)
+QString healthyPath(const QString &name)
 {
-    return left == right;
+    return FIXTURE_DIR "/healthy/" + name;
 }
 
-bool sameValue(const QVariant &left, const QVariant &right)
+QByteArray reasonOfAbsence()
 {
-    return left.userType() == right.userType() && left == right;
-}
-
-bool sameValue(const Recorder::Delivery &left, const Recorder::Delivery &right)
-{
-    return left.library == right.library && left.target == right.target
-           && left.message.src == right.message.src && left.message.dst == right.message.dst
-           && left.message.type == right.message.type && left.message.userData == right.message.userData
-           && left.message.data.keys() == right.message.data.keys()
-           && std::equal(left.message.data.cbegin(), left.message.data.cend(), right.message.data.cbegin(),
-                         [](const QVariant &one, const QVariant &other) { return sameValue(one, other); });
-}
-
-bool sameValue(const Recorder::FactoryCall &left, const Recorder::FactoryCall &right)
-{
-    return left.library == right.library && left.symbol == right.symbol && left.parent == right.parent
-           && left.text == right.text && left.element == right.element && left.job == right.job
-           && left.step == right.step;
-}
-
-bool sameValue(const RegisterRecord &left, const RegisterRecord &right)
-{
-    return left.type == right.type && left.name == right.name && left.key == right.key
-           && left.object == right.object && left.parent == right.parent;
-}
-
-template <typename List>
-bool sameList(const List &left, const List &right)
-{
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](const auto &one, const auto &other) { return sameValue(one, other); });
-}
-
-QString shownLog(const QList<LogLines::Line> &lines)
-{
-    QStringList texts;
-    for (const LogLines::Line &line : lines)
-        texts += QString::fromUtf8(line.severity + (' ' + line.unit) + ": " + line.text);
-    return texts.join("; ");
+    QLibrary absent("Absent.dll");
+    return absent.load() ? QByteArray() : absent.errorString().toUtf8();
 }
 
 }
@@ -291,29 +266,29 @@ CamWalk::CamWalk(std::function<QList<LogLines::Line>()> takeLog)
 {
     for (int count = 0; count < 7; ++count)
         m_widgets.push_back(std::make_unique<QWidget>());
-    for (const ElementRow &row : elementRows())
-        m_healthy.insert(row.library, open(FIXTURE_DIR "/healthy/" + row.library));
-    for (const QString &name : partialLibraries) {
-        if (!m_healthy.contains(name))
-            m_healthy.insert(name, open(FIXTURE_DIR "/healthy/" + name));
+    for (const ElementRow &row : elementRows()) {
+        m_healthy.insert(row.library, open(healthyPath(row.library)));
+        m_described.insert(row.library, {row.library, {row.symbol}, true});
+    }
+    for (int index = 0; index < partialLibraries.size(); ++index) {
+        const QString name = partialLibraries[index];
+        if (!m_healthy.contains(name)) {
+            m_healthy.insert(name, open(healthyPath(name)));
+            m_described.insert(name, {name, {frameFactories[index]}, true});
+        }
         m_factoryless.insert(name, open(FIXTURE_DIR "/factoryless/" + name));
         m_mute.insert(name, open(FIXTURE_DIR "/mute/" + name));
     }
+    for (const QString &name : listedNames) {
+        const QString file = name + ".dll";
+        if (m_described.contains(file))
+            m_model.loadable.insert(file, m_described[file]);
+    }
+    m_model.reasonOfAbsence = reasonOfAbsence();
 
-    m_realWorld.call = [](const Step &step) {
-        return operationTable()[size_t(step.operation)].call(*Manager::instance(), step);
-    };
-    m_modelWorld.call = [this](const Step &step) {
-        return operationTable()[size_t(step.operation)].model(m_model, step);
-    };
-    m_model.onFactory = [this] { return inFactory(m_modelWorld); };
-    m_model.onDelivery = [this] { inDelivery(m_modelWorld); };
-    Recorder::setOnDelivery([this](const Recorder::Delivery &) { inDelivery(m_realWorld); });
-    Recorder::setOnFactory([this](const QString &, QWidget *) {
-        void *const made = inFactory(m_realWorld);
-        Recorder::setSharedElement(made);
-        Recorder::setFactoriesReturnNull(!made);
-    });
+    qputenv(configurationVariable, QFile::encodeName(m_directory.path()));
+    QDir().mkpath(m_directory.path() + configurationDirectory);
+    watch();
 }
 
 CamWalk::~CamWalk()
@@ -322,10 +297,66 @@ CamWalk::~CamWalk()
     Recorder::setOnFactory({});
     Recorder::setSharedElement(nullptr);
     Recorder::setFactoriesReturnNull(false);
+    qunsetenv(configurationVariable);
     registryOf(*Manager::instance()).clear();
-    tablesOf(*Manager::instance()).m_libraries.clear();
+    letLibrariesGo();
     for (const auto &libraries : {m_healthy, m_factoryless, m_mute})
         qDeleteAll(libraries);
+}
+
+// Has all that happens in the two worlds noted when it happens.
+void CamWalk::watch()
+{
+    m_realWorld.call = [](const Step &step) {
+        return operationTable()[size_t(step.operation)].call(*Manager::instance(), step);
+    };
+    m_realWorld.happen = [this](CamEvent event) {
+        collect();
+        m_events.push_back(std::move(event));
+    };
+    m_modelWorld.call = [this](const Step &step) {
+        return operationTable()[size_t(step.operation)].model(m_model, step);
+    };
+    m_modelWorld.happen = [this](CamEvent event) { m_model.events.push_back(std::move(event)); };
+
+    m_model.onFactory = [this] { return inFactory(m_modelWorld); };
+    m_model.onDelivery = [this] { inDelivery(m_modelWorld); };
+    Recorder::setOnFactory([this](const QString &library, QWidget *parent) {
+        m_realWorld.happen(registryOf(*Manager::instance()));
+        m_realWorld.happen(CamEvents::FactoryEntry{library, parent});
+        void *const made = inFactory(m_realWorld);
+        Recorder::setSharedElement(made);
+        Recorder::setFactoriesReturnNull(!made);
+    });
+    Recorder::setOnDelivery([this](const Recorder::Delivery &delivery) {
+        Recorder::takeDeliveries();
+        m_realWorld.happen(registryOf(*Manager::instance()));
+        m_realWorld.happen(delivery);
+        ++m_deliveries;
+        inDelivery(m_realWorld);
+    });
+    expectBox();
+}
+
+void CamWalk::expectBox()
+{
+    m_boxes.whileNextIsOpen([this] {
+        for (const MessageBoxes::Box &box : m_boxes.take()) {
+            m_realWorld.happen(CamEvents::Box{box.title, box.text, box.hasParent});
+            ++m_boxCounts[box.text];
+        }
+        expectBox();
+    });
+}
+
+// Notes what tells nobody that it happens. A factory is left before anything else is done that could be
+// logged, and it is noted when the next one is entered, so this order is the true one.
+void CamWalk::collect()
+{
+    for (const Recorder::FactoryCall &call : Recorder::takeFactoryCalls())
+        m_events.emplace_back(call);
+    for (const LogLines::Line &line : m_takeLog())
+        m_events.emplace_back(line);
 }
 
 QString CamWalk::walk(const QByteArray &sequence)
@@ -342,7 +373,7 @@ QString CamWalk::walk(const QByteArray &sequence)
         if (differs.isEmpty())
             continue;
         for (const Step &step : taken)
-            history += shown(step);
+            history += shownStep(step);
         return history.join('\n') + '\n' + differs;
     }
     return {};
@@ -351,37 +382,74 @@ QString CamWalk::walk(const QByteArray &sequence)
 void CamWalk::prepare(const QByteArray &block)
 {
     Choices choices(block);
+    letLibrariesGo();
     auto &libraries = tablesOf(*Manager::instance()).m_libraries;
     libraries = m_healthy;
-    m_model.libraries.clear();
-    for (auto it = m_healthy.cbegin(); it != m_healthy.cend(); ++it)
-        m_model.libraries.insert(it.key(), {true, true});
+    QHash<QString, CamModel::Library> described = m_described;
+    // Those that may be loaded again are deleted then.
+    for (auto it = m_model.loadable.cbegin(); it != m_model.loadable.cend(); ++it)
+        libraries[it.key()] = lend(healthyPath(it.key()));
     for (const QString &name : partialLibraries) {
         switch (choices.below(16)) {
         case 13:
             libraries.remove(name);
-            m_model.libraries.remove(name);
+            described.remove(name);
             break;
         case 14:
-            libraries[name] = m_factoryless[name];
-            m_model.libraries[name] = {false, true};
+            libraries[name] = lend(FIXTURE_DIR "/factoryless/" + name);
+            described[name].factories.clear();
             break;
         case 15:
-            libraries[name] = m_mute[name];
-            m_model.libraries[name] = {true, false};
+            libraries[name] = lend(FIXTURE_DIR "/mute/" + name);
+            described[name].exportsEntryPoint = false;
             break;
         default:
             break;
         }
     }
+    for (const QString &alias : aliases) {
+        if (choices.oneIn(4))
+            continue;
+        libraries[alias] = m_healthy[commonLibrary];
+        described[alias] = m_described[commonLibrary];
+    }
     registryOf(*Manager::instance()).clear();
-    m_model.registry.records.clear();
-    m_takeLog();
+    const LoadedFlags flags = loadedFlagsOf(*Manager::instance());
+    flags.cam = flags.dfm = false;
+    m_model.restart(described);
+    collect();
+    m_events.clear();
 }
 
-CamWalk::Step CamWalk::decode(const QByteArray &block) const
+// Empties the manager's tables. It has deleted those that it has loaded again, unless there was another
+// owner.
+void CamWalk::letLibrariesGo()
 {
-    static const std::vector<int> indices = weighed();
+    QTPluginsMangerPrivate &tables = tablesOf(*Manager::instance());
+    const QList<QLibrary *> kept = m_healthy.values();
+    for (QLibrary *const library : qAsConst(tables.m_libraries)) {
+        if (!kept.contains(library))
+            m_lent.append(library);
+    }
+    for (const QPointer<QLibrary> &library : qAsConst(m_lent)) {
+        if (library)
+            library->unload();
+        delete library;
+    }
+    m_lent.clear();
+    tables = {};
+}
+
+QLibrary *CamWalk::lend(const QString &path)
+{
+    m_lent.append(open(path));
+    return m_lent.last();
+}
+
+Step CamWalk::decode(const QByteArray &block) const
+{
+    static const std::vector<int> all = weighed(false);
+    static const std::vector<int> forPlugins = weighed(true);
     const auto object = [this](int index) {
         return index == 0 ? nullptr : m_widgets[size_t(index) - 1].get();
     };
@@ -389,7 +457,7 @@ CamWalk::Step CamWalk::decode(const QByteArray &block) const
 
     Choices choices(block);
     Step step;
-    step.operation = choices.of(indices);
+    step.operation = choices.of(all);
     step.row = choices.below(elementRows().size());
     step.parent = object(choices.below(objects));
     step.frame = object(choices.below(objects));
@@ -397,8 +465,9 @@ CamWalk::Step CamWalk::decode(const QByteArray &block) const
     step.job = choices.of(jobs);
     step.otherJob = choices.of(jobs);
     step.step = choices.of(steps);
-    step.otherStep = choices.of(steps);
+    step.otherStepText = text(choices.of(steps));
     step.element = choices.of(elements);
+    step.library = choices.of(libraries);
     step.kind = choices.of(kinds);
     step.flag = choices.oneIn(2);
     switch (choices.below(10)) {
@@ -414,35 +483,18 @@ CamWalk::Step CamWalk::decode(const QByteArray &block) const
     }
     step.message = {choices.of(sources), choices.of(destinations), choices.of(types), {}, 0xfedcba9876543210};
     step.message.data = decodeData(choices);
+    step.reaction = decodeReaction(choices);
+    step.reactsAt = choices.of(moments);
     if (choices.oneIn(2))
         aim(step, choices.below(64));
-    switch (choices.below(32)) {
-    case 24:
-        step.reaction = Reaction::ThrowPointer;
-        break;
-    case 25:
-        step.reaction = Reaction::ThrowValue;
-        break;
-    case 26:
-        step.reaction = Reaction::ThrowException;
-        break;
-    case 27:
-        step.reaction = Reaction::ThrowNumber;
-        break;
-    case 28:
-    case 29:
-    case 30:
-    case 31:
-        step.reaction = Reaction::Nested;
-        break;
-    default:
-        break;
-    }
-    step.reactsAt = choices.of(moments);
+    vary(step, choices);
+    step.fileState = decodeFileState(choices);
+    for (int count = choices.below(4); count > 0; --count)
+        step.listed += choices.of(listedNames);
     if (step.reaction == Reaction::Nested) {
         // The same block read otherwise: another operation on the same things, which reacts to nothing.
         step.nested = std::make_shared<Step>(step);
-        step.nested->operation = choices.of(indices);
+        step.nested->operation = choices.of(forPlugins);
         step.nested->made = object(choices.below(objects));
         step.nested->reaction = Reaction::None;
         step.nested->nested.reset();
@@ -478,18 +530,17 @@ void CamWalk::aim(Step &step, int choice) const
 
 void CamWalk::enter(World &world, const Step &step)
 {
-    world.outcome = {};
     world.running.clear();
     try {
         make(world, step);
     } catch (const QException *) {
-        world.outcome.thrown = "a pointer to QException";
+        world.happen(CamEvents::Exception{"a pointer to QException"});
     } catch (const QException &) {
-        world.outcome.thrown = "QException";
+        world.happen(CamEvents::Exception{"QException"});
     } catch (const std::exception &) {
-        world.outcome.thrown = "std::exception";
+        world.happen(CamEvents::Exception{"std::exception"});
     } catch (int) {
-        world.outcome.thrown = "a number";
+        world.happen(CamEvents::Exception{"a number"});
     }
 }
 
@@ -497,7 +548,7 @@ void CamWalk::make(World &world, const Step &step)
 {
     world.running.push_back({&step, 0});
     void *const result = world.call(step);
-    world.outcome.results.push_back(result);
+    world.happen(CamEvents::Result{result});
     world.running.pop_back();
 }
 
@@ -538,64 +589,69 @@ void CamWalk::react(World &world, const Step &step)
 
 QString CamWalk::difference()
 {
-    const auto factoryCalls = Recorder::takeFactoryCalls();
-    const auto deliveries = Recorder::takeDeliveries();
-    const auto log = m_takeLog();
-    QStringList boxes;
-    for (const MessageBoxes::Box &box : m_boxes.take())
-        boxes += box.title == "Info" && !box.hasParent ? box.text : "a box called " + box.title;
-    m_deliveries += deliveries.size();
-    m_boxCount += boxes.size();
+    m_realWorld.happen(registryOf(*Manager::instance()));
+    m_modelWorld.happen(m_model.registry.records);
+    const auto events = std::exchange(m_events, {});
+    const auto expected = std::exchange(m_model.events, {});
+    const auto [is, should] =
+        std::mismatch(events.begin(), events.end(), expected.begin(), expected.end(), isSame);
+    if (is == events.end() && should == expected.end())
+        return {};
 
-    const auto expectedCalls = std::exchange(m_model.factoryCalls, {});
-    const auto expectedDeliveries = std::exchange(m_model.deliveries, {});
-    const auto expectedLog = std::exchange(m_model.log, {});
-    const auto expectedBoxes = std::exchange(m_model.boxes, {});
-    const auto &records = registryOf(*Manager::instance());
-
-    const Outcome &is = m_realWorld.outcome;
-    const Outcome &should = m_modelWorld.outcome;
-    // Libraries are compared by whether there is one.
-    const auto texts = [](const char *what, const QString &found, const QString &expected) {
-        return QStringLiteral("%1: %2\n  instead of: %3").arg(what, found, expected);
+    const auto shownEvent = [this](const CamEvent &event) {
+        return shown(event, [this](const void *object) { return nameOf(object); });
     };
-    if (is.results != should.results || is.thrown != should.thrown)
-        return texts("outcome", shown(is), shown(should));
-    if (!sameList(factoryCalls, expectedCalls))
-        return texts("factory calls", shown(factoryCalls), shown(expectedCalls));
-    if (!sameList(deliveries, expectedDeliveries))
-        return texts("deliveries", shown(deliveries), shown(expectedDeliveries));
-    if (!sameList(log, expectedLog))
-        return texts("log", shownLog(log), shownLog(expectedLog));
-    if (boxes != expectedBoxes)
-        return texts("boxes", boxes.join("; "), expectedBoxes.join("; "));
-    if (!sameList(records, m_model.registry.records))
-        return texts("registry", shown(records), shown(m_model.registry.records));
-    return {};
+    const auto shownEvents = [&](auto first, auto last) {
+        QStringList lines;
+        std::transform(first, last, std::back_inserter(lines), shownEvent);
+        return lines.isEmpty() ? QStringLiteral("\n  nothing") : "\n  " + lines.join("\n  ");
+    };
+    return "in the last of these, as it should be:" + shownEvents(events.begin(), is) + "\nthen:"
+           + shownEvents(is, events.end()) + "\ninstead of:" + shownEvents(should, expected.end());
 }
 
-QString CamWalk::shown(const Step &step) const
+// Shows what is not as in the plainest of operations.
+QString CamWalk::shownStep(const Step &step) const
 {
-    QStringList parts{operationTable()[size_t(step.operation)].name,
-                      "row " + elementRows()[step.row].operation,
-                      "parent " + shown(step.parent),
-                      "frame " + shown(step.frame),
-                      "jobs '" + text(step.job) + "', '" + text(step.otherJob) + '\'',
-                      "steps '" + text(step.step) + "', '" + text(step.otherStep) + '\'',
-                      "name '" + text(step.name) + '\'',
-                      "element '" + text(step.element) + '\'',
-                      "kind '" + step.kind + '\'',
-                      QStringLiteral("flag %1").arg(step.flag),
-                      shown(step.message),
-                      "makes " + shown(step.made)};
-    if (step.reaction != Reaction::None)
-        parts += QStringLiteral("reaction %1 at %2").arg(int(step.reaction)).arg(step.reactsAt);
+    static const QStringList plain = shownParts(decode(QByteArray(blockSize, '\0')));
+    QStringList parts = shownParts(step);
+    for (int index = parts.size() - 1; index > 0; --index) {
+        if (index < plain.size() && parts[index] == plain[index])
+            parts.removeAt(index);
+    }
     if (step.nested)
-        parts += "within it " + shown(*step.nested);
+        parts += "within it " + shownStep(*step.nested);
     return parts.join(", ");
 }
 
-QString CamWalk::shown(const void *object) const
+QStringList CamWalk::shownParts(const Step &step) const
+{
+    return {operationTable()[size_t(step.operation)].name,
+            "row " + elementRows()[step.row].operation,
+            "parent " + nameOf(step.parent),
+            "frame " + nameOf(step.frame),
+            "job " + quoted(step.job),
+            "job as text " + quoted(step.jobText),
+            "other job " + quoted(step.otherJob),
+            "other job as text " + quoted(step.otherJobText),
+            "step " + quoted(step.step),
+            "step as text " + quoted(step.stepText),
+            "other step " + quoted(step.otherStepText),
+            "name " + quoted(step.name),
+            "name as text " + quoted(step.nameText),
+            "element " + quoted(step.element),
+            "library " + quoted(step.library),
+            "kind " + quoted(step.kind),
+            QStringLiteral("flag %1").arg(step.flag),
+            "message " + shown(step.message),
+            QStringLiteral("file %1").arg(int(step.fileState)),
+            "lists " + step.listed.join(", "),
+            "makes " + nameOf(step.made),
+            QStringLiteral("reaction %1").arg(int(step.reaction)),
+            QStringLiteral("reacts at %1").arg(step.reactsAt)};
+}
+
+QString CamWalk::nameOf(const void *object) const
 {
     if (!object)
         return QStringLiteral("null");
@@ -604,50 +660,4 @@ QString CamWalk::shown(const void *object) const
             return QStringLiteral("#%1").arg(index + 1);
     }
     return QStringLiteral("0x%1").arg(quintptr(object), 0, 16);
-}
-
-QString CamWalk::shown(const PluginMetaData &message) const
-{
-    QStringList data;
-    for (auto it = message.data.cbegin(); it != message.data.cend(); ++it)
-        data += it.key() + '=' + (it->isValid() ? it->toString() : QStringLiteral("invalid"));
-    return QStringLiteral("%1>%2 %3 {%4} %5")
-        .arg(message.src, message.dst, QString::number(message.type), data.join(", "),
-             QString::number(message.userData, 16));
-}
-
-QString CamWalk::shown(const QList<Recorder::Delivery> &deliveries) const
-{
-    QStringList texts;
-    for (const Recorder::Delivery &delivery : deliveries)
-        texts += delivery.library + '(' + shown(delivery.target) + ", " + shown(delivery.message) + ')';
-    return texts.join("; ");
-}
-
-QString CamWalk::shown(const QList<Recorder::FactoryCall> &calls) const
-{
-    QStringList texts;
-    for (const Recorder::FactoryCall &call : calls)
-        texts += call.library + ' ' + call.symbol + '(' + shown(call.parent) + ", '" + call.text + "', '"
-                 + call.job + "', '" + call.step + "') = " + shown(call.element);
-    return texts.join("; ");
-}
-
-QString CamWalk::shown(const std::vector<RegisterRecord> &records) const
-{
-    QStringList texts;
-    for (const RegisterRecord &record : records)
-        texts += '(' + text(record.type) + ", '" + text(record.name) + "', '" + text(record.key) + "', "
-                 + shown(record.object) + ", " + shown(record.parent) + ')';
-    return texts.join("; ");
-}
-
-QString CamWalk::shown(const Outcome &outcome) const
-{
-    QStringList texts;
-    for (const void *const result : outcome.results)
-        texts += shown(result);
-    if (!outcome.thrown.empty())
-        texts += text(outcome.thrown);
-    return texts.join("; ");
 }

@@ -21,17 +21,52 @@ QByteArray randomSequence(int seed, int steps)
     return bytes;
 }
 
-/// Returns a sequence that still differs and from which no operation can be left out.
-QByteArray shrunk(CamWalk &walk, QByteArray sequence)
+/// Leaves out each operation that the difference does not need. Returns whether there was one.
+bool leaveOutOperations(CamWalk &walk, QByteArray &sequence)
 {
-    for (int start = sequence.size() - CamWalk::blockSize; start >= CamWalk::blockSize;
-         start -= CamWalk::blockSize) {
-        const QByteArray shorter = QByteArray(sequence).remove(start, CamWalk::blockSize);
+    constexpr int size = CamWalk::blockSize;
+    const int before = sequence.size();
+    for (int start = sequence.size() - size; start >= size; start -= size) {
+        const QByteArray shorter = QByteArray(sequence).remove(start, size);
         if (!walk.walk(shorter).isEmpty())
             sequence = shorter;
     }
+    return sequence.size() < before;
+}
+
+/// Makes each choice the first possibility where the difference does not need another. Returns whether there
+/// was one.
+bool makePlain(CamWalk &walk, QByteArray &sequence)
+{
+    const QByteArray before = sequence;
+    for (int index = 0; index < sequence.size(); ++index) {
+        QByteArray plainer = sequence;
+        plainer[index] = '\0';
+        if (plainer != sequence && !walk.walk(plainer).isEmpty())
+            sequence = plainer;
+    }
+    return sequence != before;
+}
+
+/// Returns a sequence that still differs, from which no operation can be left out, and whose operations are
+/// as plain as they can be. What one operation no longer needs another may have needed, so it takes several
+/// rounds; each makes the sequence shorter or plainer, so it ends.
+QByteArray shrunk(CamWalk &walk, QByteArray sequence)
+{
+    bool isShrinking = true;
+    while (isShrinking) {
+        const bool isShorter = leaveOutOperations(walk, sequence);
+        isShrinking = makePlain(walk, sequence) || isShorter;
+    }
     return sequence;
 }
+
+/// What is shown and logged when a plug-in throws a pointer to QException.
+constexpr const char *failureTexts[] = {"pluginTransmitData Error.", "transmitDataToFramework Error.",
+                                        "updateEngieer Error.", "updateGraphic Error.",
+                                        "updateMatrix Error."};
+/// The rarest comes about twenty times in a thousand sequences.
+constexpr int enoughForAllFailures = 500;
 
 }
 
@@ -61,7 +96,7 @@ void tst_Operations4CAM::everyOperationDoesWhatTheModelSays()
     }
 
     const int first = setting("PLUGINMANGER_MODEL_SEED", 1);
-    const int count = setting("PLUGINMANGER_MODEL_SEQUENCES", 150);
+    const int count = setting("PLUGINMANGER_MODEL_SEQUENCES", 1500);
     const int steps = setting("PLUGINMANGER_MODEL_STEPS", 100);
     for (int seed = first; seed < first + count; ++seed) {
         const QByteArray sequence = randomSequence(seed, steps);
@@ -72,10 +107,13 @@ void tst_Operations4CAM::everyOperationDoesWhatTheModelSays()
                                    .arg(QString::number(seed), shortest.toHex(), walk.walk(shortest));
         QFAIL(qPrintable(report));
     }
-    qInfo("%d operations, %d deliveries, %d exceptions shown", walk.operations(), walk.deliveries(),
-          walk.boxes());
+    qInfo("%d operations, %d deliveries", walk.operations(), walk.deliveries());
     QVERIFY2(walk.deliveries() > walk.operations() / 10, "hardly anything was delivered");
-    QVERIFY2(walk.boxes() > 0, "no exception was shown");
+    for (const char *const text : failureTexts) {
+        const int times = walk.boxes().value(text);
+        qInfo("%d times %s", times, text);
+        QVERIFY2(times > 0 || count < enoughForAllFailures, text);
+    }
 }
 
 int main(int argc, char **argv)
