@@ -15,8 +15,11 @@ namespace {
 
 int things[6];
 const std::string kinds[] = {"Plugin", "Graphic", "Matrix", "Guide", "EngineerRoot", "", "Other"};
-const std::string pieces[] = {"A", "B",   " | ", "|Guide", "|", "\xff", "\xef\xbf\xbd", "\xef\xbb\xbf",
-                              "Ä", ".dll"};
+const std::string pieces[] = {
+    "A", "B",    " | ", "|Guide",           "|",           "\xff", "\xef\xbf\xbd", "\xef\xbb\xbf",
+    "Ä", ".dll", "?",   "\xf0\x9f\x98\x80", "\xed\xa0\xbd"};
+// Half of a surrogate pair, which no bytes convert to, and which converts to a question mark.
+const QString half = QChar(0xd83d);
 
 void *object(Choices &choices)
 {
@@ -34,6 +37,24 @@ std::string name(Choices &choices)
     for (int count = 0; count < length; ++count)
         text += choices.of(pieces);
     return text;
+}
+
+/// The text of a name, or one that is much like it to a careless reader.
+QString textOf(const std::string &name, Choices &choices)
+{
+    QString text = QString::fromStdString(name);
+    switch (choices.below(8)) {
+    case 4:
+        return text.replace('?', half);
+    case 5:
+        return text + half;
+    case 6:
+        return QChar(QChar::ByteOrderMark) + text;
+    case 7:
+        return text.replace(half, QString());
+    default:
+        return text;
+    }
 }
 
 bool same(const RegisterRecord &left, const RegisterRecord &right)
@@ -85,7 +106,7 @@ void lookUp(const Registry &registry, const RegistryModel &model, Choices &choic
 
     const std::vector<RegisterRecord> children = model.childrenOf(pointer);
     FuzzTarget::require(same(registry.collectChildren(pointer), children), "collectChildren");
-    const QString dst = QString::fromStdString(text);
+    const QString dst = textOf(text, choices);
     FuzzTarget::require(same(registry.collectElementsNamed(pointer, NameText(dst)), children,
                              [&](const QString &child) { return child == dst; }),
                         "collectElementsNamed");
@@ -94,8 +115,12 @@ void lookUp(const Registry &registry, const RegistryModel &model, Choices &choic
                         "collectElementsContaining");
     for (const RegisterRecord &record : model.records) {
         const QString whole = QString::fromStdString(record.name);
-        FuzzTarget::require(
-            NameText(dst).isStartOf(record.name, " | ") == (whole.split(" | ").first() == dst), "isStartOf");
+        FuzzTarget::require(NameText(dst).equals(record.name) == (whole == dst), "equals");
+        FuzzTarget::require(NameText(dst).isIn(record.name) == whole.contains(dst), "isIn");
+        for (const char *const mark : {" | ", "|"})
+            FuzzTarget::require(NameText(dst).isStartOf(record.name, mark)
+                                    == (whole.split(mark).first() == dst),
+                                "isStartOf");
     }
 }
 

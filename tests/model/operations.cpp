@@ -161,14 +161,14 @@ const std::vector<Operation> &operationTable()
          [](C &c, S) { return asResult(c.isCAMLoaded()); }},
         {"isDFMLoaded", 1, [](M &m, S) { return asResult(m.isDFMLoaded()); },
          [](C &c, S) { return asResult(c.isDFMLoaded()); }},
-        {"loadAllPlugins", 2,
+        {"loadAllPlugins", 1,
          [](M &m, S s) {
              placed(camFile, s);
              const KeptLoaders kept;
              return asResult(m.loadAllPlugins());
          },
          [](C &c, S s) { return asResult(c.loadAllPlugins(placed(camFile, s))); }, false},
-        {"loadAllDFMPlugins", 2,
+        {"loadAllDFMPlugins", 1,
          [](M &m, S s) {
              placed(dfmFile, s);
              const KeptLoaders kept;
