@@ -82,24 +82,24 @@ const std::string elements[] = {"Graphic_View.dll",
                                 "\xef\xbb\xbfGraphic_View.dll",
                                 "?.dll",
                                 "Graphic_View.dll\0"s};
-const std::string libraries[] = {"Any_Library.dll",
-                                 "Any_Library.dll",
-                                 "\xef\xbb\xbf"
-                                 "Any_Library.dll",
-                                 "\xff"
-                                 "Any_Library.dll",
-                                 "\xfe"
-                                 "Any_Library.dll",
-                                 "\xef\xbf\xbd"
-                                 "Any_Library.dll",
-                                 "Any_Library.dll\0x"s,
-                                 "Any_Library.dll\0"s,
-                                 "\xf0\x9f\x98\x80.dll",
-                                 "?.dll",
-                                 "",
-                                 "Absent.dll",
-                                 "Graphic_View.dll",
-                                 "Graphic_MenuBar_DFM.dll"};
+const std::string commonNames[] = {"Any_Library.dll",
+                                   "Any_Library.dll",
+                                   "\xef\xbb\xbf"
+                                   "Any_Library.dll",
+                                   "\xff"
+                                   "Any_Library.dll",
+                                   "\xfe"
+                                   "Any_Library.dll",
+                                   "\xef\xbf\xbd"
+                                   "Any_Library.dll",
+                                   "Any_Library.dll\0x"s,
+                                   "Any_Library.dll\0"s,
+                                   "\xf0\x9f\x98\x80.dll",
+                                   "?.dll",
+                                   "",
+                                   "Absent.dll",
+                                   "Graphic_View.dll",
+                                   "Graphic_MenuBar_DFM.dll"};
 const QString destinations[] = {"Graphic_View.dll",
                                 "Graphic_View.dll",
                                 "Graphic_View.dll",
@@ -467,7 +467,7 @@ Step CamWalk::decode(const QByteArray &block) const
     step.step = choices.of(steps);
     step.otherStepText = text(choices.of(steps));
     step.element = choices.of(elements);
-    step.library = choices.of(libraries);
+    step.library = choices.of(commonNames);
     step.kind = choices.of(kinds);
     step.flag = choices.oneIn(2);
     switch (choices.below(10)) {

@@ -1,6 +1,7 @@
 #include "camwalk.h"
 #include "testmain.h"
 
+#include <numeric>
 #include <random>
 
 namespace {
@@ -107,7 +108,9 @@ void tst_Operations4CAM::everyOperationDoesWhatTheModelSays()
                                    .arg(QString::number(seed), shortest.toHex(), walk.walk(shortest));
         QFAIL(qPrintable(report));
     }
-    qInfo("%d operations, %d deliveries", walk.operations(), walk.deliveries());
+    const QList<int> boxCounts = walk.boxes().values();
+    qInfo("%d operations, %d deliveries, %d boxes", walk.operations(), walk.deliveries(),
+          std::accumulate(boxCounts.begin(), boxCounts.end(), 0));
     QVERIFY2(walk.deliveries() > walk.operations() / 10, "hardly anything was delivered");
     for (const char *const text : failureTexts) {
         const int times = walk.boxes().value(text);
