@@ -6,6 +6,7 @@
 #include "testfiles.h"
 #include "testmain.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QLibrary>
 #include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
@@ -13,6 +14,8 @@
 
 #ifdef Q_OS_WIN
 #    include <windows.h>
+#else
+#    include <sys/stat.h>
 #endif
 
 using LogLines::Line;
@@ -86,6 +89,9 @@ private slots:
     void loadingAgainReadsTheFileAnew();
     void fileIsFreeOnceItsLibraryIsUnloaded();
     void libraryWithAnotherOwnerIsListedAnew();
+#ifdef Q_OS_UNIX
+    void libraryWithAnotherOwnerIsNotReadAgain();
+#endif
     void nameWithoutLibrarySuffixIsRefused_data();
     void nameWithoutLibrarySuffixIsRefused();
     void platformSuffixIsALibraryName();
@@ -113,7 +119,10 @@ private slots:
     void destroyedTablesUnloadNothing();
 
 private:
-    void load(const QString &path) { m_base.loadLibraryPlugin(m_tables, path); }
+    void load(const QString &path)
+    {
+        m_base.loadLibraryPlugin(m_tables, path);
+    }
     QString makeFile(const QString &name, const QByteArray &content);
 
     QTemporaryDir m_directory;
@@ -312,6 +321,26 @@ void tst_LoadLibrary::libraryWithAnotherOwnerIsListedAnew()
     QVERIFY(otherOwner.resolve("recMsgFromManager"));
     otherOwner.unload();
 }
+
+#ifdef Q_OS_UNIX
+void tst_LoadLibrary::libraryWithAnotherOwnerIsNotReadAgain()
+{
+    const QString path = m_directory.filePath("Owned.dll");
+    TestFiles::replace(path, healthy);
+    QLibrary otherOwner(path);
+    QVERIFY(otherOwner.load());
+    // At a pipe a reader would wait for good.
+    TestFiles::remove(path);
+    QCOMPARE(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    load(path);
+
+    const QScopedPointer<QLibrary> listed(m_tables.m_libraries.take(path));
+    QVERIFY(listed && listed->isLoaded());
+    QCOMPARE(LogLines::take(), QList<Line>());
+    listed->unload();
+    otherOwner.unload();
+}
+#endif
 
 void tst_LoadLibrary::nameWithoutLibrarySuffixIsRefused_data()
 {

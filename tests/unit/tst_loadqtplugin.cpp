@@ -236,6 +236,8 @@ void tst_LoadQtPlugin::failedLoadIsLoggedAndShown_data()
     QTest::newRow("text file") << file("text_file.dll", "This is no library.\n");
     QTest::newRow("empty file") << file("empty_file.dll", {});
     QTest::newRow("truncated library") << file("truncated_library.dll", library.left(200));
+    // Qt does not get as far as its meta data, so the reason is Qt's.
+    QTest::newRow("truncated behind its headers") << file("truncated_behind.dll", library.left(8192));
     QTest::newRow("no Qt plug-in") << QStringLiteral(FIXTURE_DIR "/healthy/Any_Library.dll");
 }
 
