@@ -6,6 +6,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QException>
+#include <QtCore/QFile>
 #include <QtCore/QLibrary>
 
 #include <algorithm>
