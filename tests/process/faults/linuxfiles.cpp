@@ -331,7 +331,7 @@ QByteArray withEmptySegment(const QByteArray &file, quint64 offset)
     segment.p_vaddr = (end / page + 1) * page + offset % page;
     segment.p_memsz = page;
     segment.p_align = page;
-    for (quint64 place = last; place < file.size() - sizeof segment; place += sizeof segment) {
+    for (quint64 place = last; place + sizeof segment <= quint64(file.size()); place += sizeof segment) {
         if (numberAt<quint32>(file, place) == PT_GNU_RELRO)
             return QByteArray(file).replace(int(place), sizeof segment,
                                             reinterpret_cast<const char *>(&segment), sizeof segment);
