@@ -51,9 +51,7 @@ public:
         , m_state()
         , m_header()
     {
-        if (isOpen() && fstat(m_descriptor, &m_state) != 0)
-            m_state = {};
-        if (!isOpen() || !read(&m_header, sizeof m_header, 0))
+        if (!isOpen() || fstat(m_descriptor, &m_state) != 0 || !read(&m_header, sizeof m_header, 0))
             m_header = {};
     }
     ~File()
@@ -128,19 +126,16 @@ std::vector<QByteArray> searchDirectories()
 {
     constexpr char qtCore[] =
         "libQt" QT_STRINGIFY(QT_VERSION_MAJOR) "Core.so." QT_STRINGIFY(QT_VERSION_MAJOR);
-    Library caller(dlopen(qtCore, RTLD_LAZY | RTLD_NOLOAD));
-    if (!caller)
-        caller.reset(dlopen(nullptr, RTLD_LAZY));
-    Dl_serinfo size;
-    if (!caller || dlinfo(caller.get(), RTLD_DI_SERINFOSIZE, &size) != 0)
-        return {};
+    void *const qt = dlopen(qtCore, RTLD_LAZY | RTLD_NOLOAD);
+    const Library caller(qt ? qt : dlopen(nullptr, RTLD_LAZY));
+    Dl_serinfo size{};
+    const bool isKnown = caller && dlinfo(caller.get(), RTLD_DI_SERINFOSIZE, &size) == 0;
     // The list follows its header.
     std::vector<Dl_serinfo> found(1 + size.dls_size / sizeof(Dl_serinfo), size);
-    if (dlinfo(caller.get(), RTLD_DI_SERINFO, found.data()) != 0)
-        return {};
+    const bool isFound = isKnown && dlinfo(caller.get(), RTLD_DI_SERINFO, found.data()) == 0;
     std::vector<QByteArray> directories;
     QStringList places;
-    for (unsigned place = 0; place < size.dls_cnt; ++place) {
+    for (unsigned place = 0; isFound && place < size.dls_cnt; ++place) {
         const QByteArray directory = found.front().dls_serpath[place].dls_name;
         places += QFileInfo(QFile::decodeName(directory)).canonicalFilePath();
         // Many are there twice: the program's, and the system's by other names. A relative one may move.
