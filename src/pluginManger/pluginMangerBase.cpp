@@ -377,8 +377,7 @@ void QTpluginsMangerBase::loadLibraryPlugin(QTPluginsMangerPrivate &tables, cons
 
     auto *const library = new QLibrary(ownPath);
     resolveAllAtLoad(*library);
-    const QString fault =
-        library->isLoaded() ? QString() : PluginMangerInternal::loadFault(library->fileName());
+    const QString fault = library->isLoaded() ? QString() : PluginMangerInternal::libraryLoadFault(ownPath);
     if (fault.isEmpty() && library->load())
         tables.m_libraries.insert(ownPath, library);
     else
@@ -397,7 +396,7 @@ void QTpluginsMangerBase::loadQtPlugin(QTPluginsMangerPrivate &tables, const QSt
     // Without meta data Qt does not have the file mapped, and says why.
     const QString fault = loader->metaData().isEmpty() || loader->isLoaded()
                               ? QString()
-                              : PluginMangerInternal::loadFault(loader->fileName());
+                              : PluginMangerInternal::pluginLoadFault(loader->fileName());
     if (!fault.isEmpty() || !loader->load()) {
         reportFailedLoad(ownPath, fault.isEmpty() ? loader->errorString() : fault);
         return;

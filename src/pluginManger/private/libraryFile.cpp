@@ -3,7 +3,9 @@
 #ifdef __GLIBC__
 
 #    include <QtCore/QFile>
+#    include <QtCore/QFileInfo>
 #    include <QtCore/QLibrary>
+#    include <QtCore/QStringList>
 
 #    include <dlfcn.h>
 #    include <fcntl.h>
@@ -15,12 +17,16 @@
 #    include <cstring>
 #    include <limits>
 #    include <memory>
+#    include <utility>
 #    include <vector>
-
-namespace {
 
 using Header = ElfW(Ehdr);
 using Segment = ElfW(Phdr);
+
+/// This library's own, by the name that linkers give it.
+extern "C" [[gnu::visibility("hidden")]] const Header ownHeader __asm__("__ehdr_start");
+
+namespace {
 
 struct Closer
 {
@@ -39,12 +45,14 @@ class File
 {
 public:
     /// Waits for nobody, not even at a pipe.
-    explicit File(const char *path)
-        : m_descriptor(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC))
+    explicit File(QByteArray path)
+        : m_path(std::move(path))
+        , m_descriptor(open(m_path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
         , m_state()
+        , m_header()
     {
-        if (isOpen() && fstat(m_descriptor, &m_state) != 0)
-            m_state = {};
+        if (!isOpen() || fstat(m_descriptor, &m_state) != 0 || !read(&m_header, sizeof m_header, 0))
+            m_header = {};
     }
     ~File()
     {
@@ -53,28 +61,50 @@ public:
     }
     Q_DISABLE_COPY(File)
 
+    const QByteArray &path() const { return m_path; }
     bool isOpen() const { return m_descriptor >= 0; }
     bool isPipe() const { return S_ISFIFO(m_state.st_mode); }
     quint64 size() const { return quint64(m_state.st_size); }
+    /// Zeros where there is none.
+    const Header &header() const { return m_header; }
     bool read(void *bytes, std::size_t count, quint64 from) const
     {
         return pread(m_descriptor, bytes, count, off_t(from)) == ssize_t(count);
     }
 
 private:
+    const QByteArray m_path;
     const int m_descriptor;
     struct stat m_state;
+    Header m_header;
 };
+
+bool isElf(const Header &header)
+{
+    return std::memcmp(header.e_ident, ELFMAG, SELFMAG) == 0;
+}
+
+bool isForOwnMachine(const Header &header)
+{
+    return header.e_ident[EI_CLASS] == ownHeader.e_ident[EI_CLASS] && header.e_machine == ownHeader.e_machine;
+}
+
+/// Where a segment ends in its file. One without content is of the file nevertheless if it begins within a
+/// page: the loader clears the rest of that.
+quint64 endOf(const Segment &segment)
+{
+    const bool isOfMemoryOnly =
+        segment.p_filesz == 0 && segment.p_vaddr % quint64(sysconf(_SC_PAGESIZE)) == 0;
+    return isOfMemoryOnly ? 0 : endOf(segment.p_offset, segment.p_filesz);
+}
 
 /// How long a file must be for its segments to be mapped; 0 where the loader gets no further than its
 /// headers.
 quint64 lengthForSegments(const File &file)
 {
-    Header header;
+    const Header &header = file.header();
     constexpr quint16 segmentSize = sizeof(Segment);
-    constexpr quint8 ownWordSize = sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32;
-    if (!file.read(&header, sizeof header, 0) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0
-        || header.e_ident[EI_CLASS] != ownWordSize || header.e_phentsize != segmentSize)
+    if (!isElf(header) || !isForOwnMachine(header) || header.e_phentsize != segmentSize)
         return 0;
 
     std::vector<Segment> segments(header.e_phnum);
@@ -86,18 +116,9 @@ quint64 lengthForSegments(const File &file)
     quint64 length = 0;
     for (const Segment &segment : segments) {
         if (segment.p_type == PT_LOAD)
-            length = std::max(length, endOf(segment.p_offset, segment.p_filesz));
+            length = std::max(length, endOf(segment));
     }
     return length;
-}
-
-QString faultOf(const File &file)
-{
-    if (file.isPipe())
-        return QStringLiteral("not a regular file");
-    if (file.size() < lengthForSegments(file))
-        return QStringLiteral("file too short");
-    return {};
 }
 
 /// Where the loader looks for a name on behalf of Qt, which calls it. Qt may be part of the program.
@@ -105,60 +126,119 @@ std::vector<QByteArray> searchDirectories()
 {
     constexpr char qtCore[] =
         "libQt" QT_STRINGIFY(QT_VERSION_MAJOR) "Core.so." QT_STRINGIFY(QT_VERSION_MAJOR);
-    Library caller(dlopen(qtCore, RTLD_LAZY | RTLD_NOLOAD));
-    if (!caller)
-        caller.reset(dlopen(nullptr, RTLD_LAZY));
-    Dl_serinfo size;
-    if (!caller || dlinfo(caller.get(), RTLD_DI_SERINFOSIZE, &size) != 0)
-        return {};
+    void *const qt = dlopen(qtCore, RTLD_LAZY | RTLD_NOLOAD);
+    const Library caller(qt ? qt : dlopen(nullptr, RTLD_LAZY));
+    Dl_serinfo size{};
+    const bool isKnown = caller && dlinfo(caller.get(), RTLD_DI_SERINFOSIZE, &size) == 0;
     // The list follows its header.
     std::vector<Dl_serinfo> found(1 + size.dls_size / sizeof(Dl_serinfo), size);
-    if (dlinfo(caller.get(), RTLD_DI_SERINFO, found.data()) != 0)
-        return {};
+    const bool isFound = isKnown && dlinfo(caller.get(), RTLD_DI_SERINFO, found.data()) == 0;
     std::vector<QByteArray> directories;
-    for (unsigned place = 0; place < size.dls_cnt; ++place)
-        directories.emplace_back(found.front().dls_serpath[place].dls_name);
+    QStringList places;
+    for (unsigned place = 0; isFound && place < size.dls_cnt; ++place) {
+        const QByteArray directory = found.front().dls_serpath[place].dls_name;
+        places += QFileInfo(QFile::decodeName(directory)).canonicalFilePath();
+        // Many are there twice: the program's, and the system's by other names. A relative one may move.
+        if (directory.startsWith('/') && places.indexOf(places.last()) < places.size() - 1)
+            continue;
+        directories.push_back(directory);
+    }
     return directories;
 }
 
-/// The first file of that name. The index of installed libraries, which the loader also asks, has no
-/// plug-ins.
-QByteArray pathOf(const QByteArray &fileName)
+/// The file that the loader takes for a name. Where it searches, it passes over those for other machines. Its
+/// index of installed libraries and its folders for one kind of processor have no plug-ins.
+std::unique_ptr<const File> fileOf(const QByteArray &name)
 {
-    if (fileName.contains('/'))
-        return fileName;
-    for (const QByteArray &directory : searchDirectories()) {
-        QByteArray path = directory + '/' + fileName;
-        if (access(path.constData(), R_OK) == 0)
-            return path;
+    if (name.contains('/'))
+        return std::make_unique<File>(name);
+    // The loader, too, asks for them once.
+    static const std::vector<QByteArray> directories = searchDirectories();
+    for (const QByteArray &directory : directories) {
+        auto file = std::make_unique<File>(directory + '/' + name);
+        if (file->isOpen() && (!isElf(file->header()) || isForOwnMachine(file->header())))
+            return file;
+    }
+    return nullptr;
+}
+
+/// What QLibrary asks the loader for when it is given this name, in that order, until something loads.
+std::vector<QByteArray> namesFor(const QString &fileName)
+{
+    const QString name = fileName.mid(fileName.lastIndexOf(QLatin1Char('/')) + 1);
+    QString directory = fileName.chopped(name.size());
+    if (directory.isEmpty() && name.startsWith(QLatin1Char('.')))
+        directory = QStringLiteral("./");
+    QStringList prefixes{QString()};
+    if (!name.startsWith(QLatin1String("lib")))
+        prefixes.prepend(QStringLiteral("lib"));
+    QStringList suffixes{QString()};
+    if (!name.endsWith(QLatin1String(".so")))
+        suffixes.prepend(QStringLiteral(".so"));
+    if (fileName.startsWith(QLatin1Char('/'))) {
+        std::reverse(prefixes.begin(), prefixes.end());
+        std::reverse(suffixes.begin(), suffixes.end());
+    }
+
+    std::vector<QByteArray> names;
+    for (const QString &prefix : qAsConst(prefixes)) {
+        for (const QString &suffix : qAsConst(suffixes))
+            names.push_back(QFile::encodeName(directory + prefix + name + suffix));
+    }
+    return names;
+}
+
+/// What is loaded is not mapped again, whatever has become of its file.
+bool isLoaded(const QByteArray &name)
+{
+    return Library(dlopen(name.constData(), RTLD_LAZY | RTLD_NOLOAD)) != nullptr;
+}
+
+QString fault(const QString &fileName, const File &file, const QString &what)
+{
+    return QLibrary::tr("Cannot load library %1: %2")
+        .arg(fileName, QStringLiteral("(%1: %2)").arg(QFile::decodeName(file.path()), what));
+}
+
+/// Why the first of these that the loader would map must not be.
+QString firstFault(const QString &fileName, const std::vector<QByteArray> &names)
+{
+    for (const QByteArray &name : names) {
+        const std::unique_ptr<const File> file = fileOf(name);
+        if (!file || !file->isOpen())
+            continue;
+        if (file->isPipe())
+            return fault(fileName, *file, QStringLiteral("not a regular file"));
+        const quint64 length = lengthForSegments(*file);
+        if (file->size() < length)
+            return isLoaded(name) ? QString() : fault(fileName, *file, QStringLiteral("file too short"));
+        // An absolute path that is there is the last, even where the loader refuses it.
+        if (length > 0 || name.startsWith('/'))
+            break;
     }
     return {};
 }
 
-/// What is loaded is not mapped again, whatever has become of its file.
-bool isLoaded(const QByteArray &fileName)
-{
-    return Library(dlopen(fileName.constData(), RTLD_LAZY | RTLD_NOLOAD)) != nullptr;
 }
 
+QString PluginMangerInternal::libraryLoadFault(const QString &fileName)
+{
+    return firstFault(fileName, namesFor(fileName));
 }
 
-QString PluginMangerInternal::loadFault(const QString &fileName)
+QString PluginMangerInternal::pluginLoadFault(const QString &fileName)
 {
-    const QByteArray path = pathOf(QFile::encodeName(fileName));
-    if (path.isEmpty())
-        return {};
-    const File file(path.constData());
-    const QString fault = file.isOpen() ? faultOf(file) : QString();
-    if (fault.isEmpty() || (!file.isPipe() && isLoaded(QFile::encodeName(fileName))))
-        return {};
-    return QLibrary::tr("Cannot load library %1: %2")
-        .arg(fileName, QStringLiteral("(%1: %2)").arg(QFile::decodeName(path), fault));
+    return firstFault(fileName, {QFile::encodeName(fileName)});
 }
 
 #else
 
-QString PluginMangerInternal::loadFault(const QString &)
+QString PluginMangerInternal::libraryLoadFault(const QString &)
+{
+    return {};
+}
+
+QString PluginMangerInternal::pluginLoadFault(const QString &)
 {
     return {};
 }

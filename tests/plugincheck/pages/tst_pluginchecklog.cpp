@@ -7,6 +7,10 @@
 #include <QtCore/QDir>
 #include <QtCore/QException>
 
+#ifdef Q_OS_UNIX
+#    include <sys/stat.h>
+#endif
+
 using namespace PluginCheck;
 
 /// "plugincheck log" on what the library really writes.
@@ -18,6 +22,8 @@ private slots:
     void librariesThatDoNotLoad();
     void librariesTheLoaderRefuses_data();
     void librariesTheLoaderRefuses();
+    void pluginsThatQtRefuses_data();
+    void pluginsThatQtRefuses();
     void configurationsThatCannotBeRead();
     void messagesThatAreDelivered();
     void messagesThatAreRefused();
@@ -110,6 +116,10 @@ void tst_PluginCheckLog::librariesTheLoaderRefuses_data()
     QTest::newRow("cut off") << write("cut_off.dll", "") << "the file is cut off or empty";
     QTest::newRow("something else") << write("something_else.dll", QByteArray(5000, 'x'))
                                     << "the file is not a library";
+    const QString pipe = write("pipe.dll", "");
+    QVERIFY(QFile::remove(pipe));
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QTest::newRow("FIFO") << pipe << "the file is no file, but a FIFO";
 #endif
 }
 
@@ -122,6 +132,38 @@ void tst_PluginCheckLog::librariesTheLoaderRefuses()
     m_base.loadLibraryPlugin(tables, library);
     const QJsonObject found = report({realLog()}, 1);
     QCOMPARE(failures(found), QStringList("load-failed " + library));
+    const QJsonObject reason = first(found, "failures").value("reasons").toArray().first().toObject();
+    QTEST(reason.value("meaning").toString(), "meaning");
+    QVERIFY(!reason.value("next").toString().isEmpty());
+}
+
+void tst_PluginCheckLog::pluginsThatQtRefuses_data()
+{
+    QTest::addColumn<QString>("plugin");
+    QTest::addColumn<QString>("meaning");
+    const QString dir = FIXTURE_DIR;
+    QTest::newRow("absent") << dir + "/absent.dll"
+                            << "the Qt plug-in is in none of the folders where Qt looks";
+    QTest::newRow("plain library") << dir + "/healthy/Any_Library.dll"
+                                   << "a plain library is listed in the desktop set";
+#ifndef Q_OS_WIN
+    const QByteArray whole = TestFiles::read(dir + "/desktop/Other_Process.dll");
+    QTest::newRow("cut off") << write("cut_plugin.dll", whole.chopped(1)) << "the file is cut off or damaged";
+    QTest::newRow("cut off early") << write("cut_early.dll", whole.left(100))
+                                   << "the file is cut off or damaged";
+    QTest::newRow("other word size") << write("narrow_plugin.dll", QByteArray(whole).replace(4, 1, "\x01"))
+                                     << "the plug-in was built for another machine than the host";
+#endif
+}
+
+void tst_PluginCheckLog::pluginsThatQtRefuses()
+{
+    const KeptLoaders keptLoaders;
+    QFETCH(QString, plugin);
+    QTPluginsMangerPrivate tables;
+    m_base.loadQtPlugin(tables, plugin);
+    const QJsonObject found = report({realLog()}, 1);
+    QCOMPARE(failures(found), QStringList("load-failed " + plugin));
     const QJsonObject reason = first(found, "failures").value("reasons").toArray().first().toObject();
     QTEST(reason.value("meaning").toString(), "meaning");
     QVERIFY(!reason.value("next").toString().isEmpty());

@@ -1,6 +1,7 @@
 // What lies where a library should, on Linux.
 
 #include "faults.h"
+#include "openbase.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -11,6 +12,7 @@
 
 #include <csignal>
 #include <cstddef>
+#include <dlfcn.h>
 #include <elf.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -90,25 +92,81 @@ void cutPlain(Faults &f)
     QVERIFY2(refused > mapped / 64 - 16, qPrintable(QString::number(refused)));
 }
 
-// Qt itself looks into the file for the plug-in's description, by the table at its end.
+/// What Qt says of a plug-in that was cut off. It looks into the file for the description, by the tables of
+/// sections and of their names, which are last.
+QString reasonOfCutPlugin(const QString &path, const QByteArray &whole, int length)
+{
+    const auto table = numberAt<quint64>(whole, offsetof(Elf64_Ehdr, e_shoff));
+    const int sections = numberAt<quint16>(whole, offsetof(Elf64_Ehdr, e_shnum));
+    const int names = numberAt<quint16>(whole, offsetof(Elf64_Ehdr, e_shstrndx));
+    constexpr int sectionSize = sizeof(Elf64_Shdr);
+    if (length < int(sizeof(Elf64_Ehdr)))
+        return QStringLiteral("'%1' is not an ELF object (file too small)").arg(path);
+    const QString what = length < sections * sectionSize
+                             ? QStringLiteral("announced %1 section(s), each %2 byte(s), exceed file size")
+                                   .arg(sections)
+                                   .arg(sectionSize)
+                             : QStringLiteral("shstrtab section header seems to be at %1")
+                                   .arg(table + quint64(names * sectionSize), 0, 16);
+    return QStringLiteral("'%1' is an invalid ELF object (%2)").arg(path, what);
+}
+
+// Each under a name of its own: of what has failed once, Qt says no more why.
 void cutQtPlugin(Faults &f)
 {
     const QByteArray whole = Faults::healthyPlugin();
     const int mapped = mappedLength(whole);
-    for (int length = 0; length < whole.size(); length += length < mapped ? 64 : 4096) {
-        const QString path = f.make("Cut.dll", whole.left(length));
-        f.loadQtPlugin(path);
+    std::vector<int> lengths;
+    for (int length = 0; length < whole.size(); length += length < mapped ? 64 : 4096)
+        lengths.push_back(length);
+    lengths.push_back(whole.size() - 1);
+
+    OpenBase base;
+    QTPluginsMangerPrivate tables;
+    for (const int length : lengths) {
+        const QString path = f.make(QStringLiteral("Cut_%1.dll").arg(length), whole.left(length));
+        base.loadQtPlugin(tables, path);
+        QCOMPARE(f.log(), Faults::Lines{Faults::loadFailed(path, reasonOfCutPlugin(path, whole, length))});
         QCOMPARE(f.boxes().size(), 1);
-        QVERIFY2(!loggedReason(f, path).isEmpty(), qPrintable(QString::number(length)));
+        QVERIFY(tables.m_loaders.isEmpty());
+        TestFiles::remove(path);
     }
+    f.expectLoadedPlugin(f.make("Whole.dll", whole));
+}
+
+/// A Qt plug-in that lacks a part, and has its description nevertheless.
+QByteArray cutPluginWithItsDescription()
+{
+    const QByteArray whole = Faults::healthyPlugin();
+    return withLastSegment(whole, offsetof(Elf64_Phdr, p_filesz), quint64(whole.size()) + 65536);
 }
 
 void cutQtPluginWithItsDescription(Faults &f)
 {
-    const QByteArray whole = Faults::healthyPlugin();
-    const QString path = f.make(
-        "Cut.dll", withLastSegment(whole, offsetof(Elf64_Phdr, p_filesz), quint64(whole.size()) + 65536));
+    const QString path = f.make("Cut.dll", cutPluginWithItsDescription());
     f.expectRefusedPlugin(path, Faults::reasonOf(path, tooShort));
+}
+
+void cutQtPluginFoundByItsName(Faults &f)
+{
+    QVERIFY(QDir().mkdir("first") && QDir().mkdir("second"));
+    const QString path = f.make("first/Cut.dll", cutPluginWithItsDescription());
+    f.make("second/Cut.dll", Faults::healthyPlugin());
+    QCoreApplication::setLibraryPaths({f.path("first"), f.path("second")});
+    f.expectRefusedPlugin("Cut.dll", Faults::reasonOf(path, tooShort));
+}
+
+// Qt asks the loader for no other names then.
+void cutQtPluginInARelativeLibraryPath(Faults &f)
+{
+    QVERIFY(QDir().mkdir("below"));
+    QCoreApplication::setLibraryPaths({"below"});
+    f.make("below/libCut.dll.so", Faults::healthyPlugin());
+    f.make("below/Cut.dll", cutPluginWithItsDescription());
+    f.expectRefusedPlugin("Cut.dll", Faults::reasonOf("below/Cut.dll", tooShort));
+    f.make("below/libCut.dll.so", cutPluginWithItsDescription());
+    f.make("below/Cut.dll", Faults::healthyPlugin());
+    f.expectLoadedPlugin("Cut.dll");
 }
 
 void cutFileFoundByItsName(Faults &f)
@@ -130,6 +188,167 @@ void cutFileBehindARelativePath(Faults &f)
     f.expectRefused("below/Cut.dll", Faults::reasonOf("below/Cut.dll", tooShort));
 }
 
+/// Makes a file in a directory that the loader searches.
+QString place(const QString &name, const QByteArray &content)
+{
+    const QString path = Faults::replaceable(name);
+    TestFiles::remove(path);
+    TestFiles::write(path, content);
+    return path;
+}
+
+QByteArray cutLibrary()
+{
+    const QByteArray whole = Faults::healthyLibrary();
+    return whole.left(mappedLength(whole) / 2);
+}
+
+QByteArray forOtherMachine(const QByteArray &file)
+{
+    return withNumber(file, offsetof(Elf64_Ehdr, e_machine), quint16(EM_AARCH64));
+}
+
+QByteArray forOtherWordSize(const QByteArray &file)
+{
+    return withNumber(file, EI_CLASS, quint8(ELFCLASS32));
+}
+
+// What the loader passes over when it searches, it does not map either.
+void cutFileBehindOneForAnotherMachine(Faults &f)
+{
+    for (const auto &foreign : {forOtherMachine, forOtherWordSize}) {
+        place("Two_Places.dll", foreign(Faults::healthyLibrary()));
+        const QString path = place("later/Two_Places.dll", cutLibrary());
+        f.expectRefused("Two_Places.dll",
+                        QStringLiteral("Cannot load library Two_Places.dll: (%1: file too short)").arg(path));
+        TestFiles::remove(path);
+    }
+}
+
+void cutFileForAnotherMachineBeforeAWholeOne(Faults &f)
+{
+    place("later/Two_Places.dll", Faults::healthyLibrary());
+    for (const auto &foreign : {forOtherMachine, forOtherWordSize}) {
+        place("Two_Places.dll", foreign(cutLibrary()));
+        f.expectLoaded("Two_Places.dll");
+    }
+    // What is broken in another way, the loader does not pass over.
+    const QString path = place("Two_Places.dll", QByteArray(500, 'x'));
+    f.expectRefused("Two_Places.dll",
+                    QStringLiteral("Cannot load library Two_Places.dll: (%1: invalid ELF header)").arg(path));
+    TestFiles::remove(Faults::replaceable("later/Two_Places.dll"));
+}
+
+using Names = std::vector<QString>;
+
+/// Each of the names, which QLibrary asks for in that order, once stands for a file that was cut off, with
+/// whole ones behind it, and once the other way round.
+void tryNames(Faults &f, const QString &listed, const Names &names, const QString &directory)
+{
+    const auto fill = [&](std::size_t first, const QByteArray &content, const QByteArray &others) {
+        for (std::size_t place = 0; place < names.size(); ++place) {
+            TestFiles::remove(directory + names[place]);
+            if (place >= first)
+                TestFiles::write(directory + names[place], place == first ? content : others);
+        }
+    };
+    for (std::size_t place = 0; place < names.size(); ++place) {
+        fill(place, cutLibrary(), Faults::healthyLibrary());
+        f.expectRefused(listed, QStringLiteral("Cannot load library %1: (%2: file too short)")
+                                    .arg(listed, directory + names[place]));
+        fill(place, Faults::healthyLibrary(), cutLibrary());
+        f.expectLoaded(listed);
+    }
+    fill(names.size(), {}, {});
+}
+
+Row namesRow(const QByteArray &kind, std::function<void(Faults &)> run)
+{
+    return {"truncated, under each name that QLibrary asks for: " + kind,
+            "line, box, where no other comes before", std::move(run)};
+}
+
+Rows namesRows()
+{
+    const Names names{"libNamed.dll.so", "libNamed.dll", "Named.dll.so", "Named.dll"};
+    return {
+        namesRow("bare", [=](Faults &f) { tryNames(f, "Named.dll", names, Faults::replaceable({})); }),
+        namesRow(
+            "with \"lib\"",
+            [](Faults &f) {
+                tryNames(f, "libNamed.dll", {"libNamed.dll.so", "libNamed.dll"}, Faults::replaceable({}));
+            }),
+        namesRow("relative",
+                 [=](Faults &f) {
+                     QVERIFY(QDir().mkdir("below"));
+                     tryNames(f, "below/Named.dll", names, "below/");
+                 }),
+        namesRow("absolute",
+                 [](Faults &f) {
+                     QVERIFY(QDir().mkdir("below"));
+                     tryNames(f, f.path("below/Named.dll"),
+                              {"Named.dll", "Named.dll.so", "libNamed.dll", "libNamed.dll.so"},
+                              f.path("below/"));
+                 }),
+        // It is not searched for.
+        namesRow("hidden",
+                 [](Faults &f) {
+                     tryNames(f, ".Named.dll",
+                              {"lib.Named.dll.so", "lib.Named.dll", ".Named.dll.so", ".Named.dll"}, "./");
+                 }),
+    };
+}
+
+void cutFileBehindATextOfAnotherName(Faults &f)
+{
+    const QByteArray text(500, 'x');
+    place("libNamed.dll.so", text);
+    const QString path = place("Named.dll", cutLibrary());
+    f.expectRefused("Named.dll",
+                    QStringLiteral("Cannot load library Named.dll: (%1: file too short)").arg(path));
+    place("Named.dll", Faults::healthyLibrary());
+    f.expectLoaded("Named.dll");
+
+    // An absolute path that is there is the only one.
+    const QString absolute = f.make("Named.dll", text);
+    f.make("libNamed.dll.so", cutLibrary());
+    f.expectRefused(absolute, Faults::reasonOf(absolute, "invalid ELF header"));
+    TestFiles::remove(path);
+    TestFiles::remove(Faults::replaceable("libNamed.dll.so"));
+}
+
+/// Has one more segment, without content, in memory behind the others.
+QByteArray withEmptySegment(const QByteArray &file, quint64 offset)
+{
+    const quint64 last = mappedSegments(file).back();
+    constexpr quint64 page = 4096;
+    const quint64 end = numberAt<quint64>(file, last + offsetof(Elf64_Phdr, p_vaddr))
+                        + numberAt<quint64>(file, last + offsetof(Elf64_Phdr, p_memsz));
+    Elf64_Phdr segment{};
+    segment.p_type = PT_LOAD;
+    segment.p_flags = PF_R | PF_W;
+    segment.p_offset = offset;
+    segment.p_vaddr = (end / page + 1) * page + offset % page;
+    segment.p_memsz = page;
+    segment.p_align = page;
+    for (quint64 place = last; place + sizeof segment <= quint64(file.size()); place += sizeof segment) {
+        if (numberAt<quint32>(file, place) == PT_GNU_RELRO)
+            return QByteArray(file).replace(int(place), sizeof segment,
+                                            reinterpret_cast<const char *>(&segment), sizeof segment);
+    }
+    return {};
+}
+
+void emptySegmentBeyondTheFile(Faults &f)
+{
+    const QByteArray whole = Faults::healthyLibrary();
+    const auto beyond = quint64(whole.size() / 4096 + 16) * 4096;
+    f.expectLoaded(f.make("Empty.dll", withEmptySegment(whole, beyond)));
+    // The rest of the page that it begins in is cleared, and that page is of the file.
+    const QString path = f.make("Empty.dll", withEmptySegment(whole, beyond + 64));
+    f.expectRefused(path, Faults::reasonOf(path, tooShort));
+}
+
 void segmentBeyondAllFiles(Faults &f)
 {
     const QByteArray whole = Faults::healthyLibrary();
@@ -148,26 +367,22 @@ void tableBeyondAllFiles(Faults &f)
     f.expectRefused(path, Faults::reasonOf(path, tooShort));
 }
 
+// Cut off or not, it is of the wrong kind first.
 void otherMachine(Faults &f)
 {
-    const auto machine = quint16(EM_AARCH64);
-    const QString path =
-        f.make("Machine.dll", withNumber(Faults::healthyLibrary(), offsetof(Elf64_Ehdr, e_machine), machine));
-    f.expectRefused(path,
-                    Faults::reasonOf(path, "cannot open shared object file: No such file or directory"));
+    for (const QByteArray &file : {Faults::healthyLibrary(), cutLibrary()}) {
+        const QString path = f.make("Machine.dll", forOtherMachine(file));
+        f.expectRefused(path,
+                        Faults::reasonOf(path, "cannot open shared object file: No such file or directory"));
+    }
 }
 
 void otherWordSize(Faults &f)
 {
-    const QString path =
-        f.make("Narrow.dll", withNumber(Faults::healthyLibrary(), EI_CLASS, quint8(ELFCLASS32)));
-    f.expectRefused(path, Faults::reasonOf(path, "wrong ELF class: ELFCLASS32"));
-    // Cut off or not, it is of the wrong kind first.
-    const QString cut =
-        f.make("Cut.dll", withNumber(Faults::healthyLibrary(), EI_CLASS, quint8(ELFCLASS32)).left(8192));
-    f.loadPlain(cut);
-    QCOMPARE(f.boxes().size(), 2);
-    QVERIFY(f.log().contains(Faults::loadFailed(cut, Faults::reasonOf(cut, "wrong ELF class: ELFCLASS32"))));
+    for (const QByteArray &file : {Faults::healthyLibrary(), cutLibrary()}) {
+        const QString path = f.make("Narrow.dll", forOtherWordSize(file));
+        f.expectRefused(path, Faults::reasonOf(path, "wrong ELF class: ELFCLASS32"));
+    }
 }
 
 void makeLink(const QString &target, const QString &path)
@@ -266,20 +481,67 @@ void cutWhileAnotherHasItLoaded(Faults &f)
     owner.unload();
 }
 
+// QLibrary knows nothing of these.
+void cutWhileTheLoaderHasIt(Faults &f)
+{
+    const QByteArray whole = Faults::healthyLibrary();
+    const QString path = f.make("Owned.dll", whole);
+    void *const owner = dlopen(QFile::encodeName(path).constData(), RTLD_NOW);
+    QVERIFY(owner);
+    // In place; the page that the file now ends in is there.
+    QVERIFY(QFile::resize(path, mappedLength(whole) - 1));
+    f.expectLoaded(path);
+
+    const QString searched = place("Owned_By_Name.dll", whole);
+    void *const byName = dlopen("Owned_By_Name.dll", RTLD_NOW);
+    QVERIFY(byName);
+    place("Owned_By_Name.dll", cutLibrary());
+    f.expectLoaded("Owned_By_Name.dll");
+    QCOMPARE(dlclose(owner), 0);
+    QCOMPARE(dlclose(byName), 0);
+    TestFiles::remove(searched);
+}
+
+void cutQtPluginWhileTheLoaderHasIt(Faults &f)
+{
+    const QString path = f.make("Owned.dll", Faults::healthyPlugin());
+    void *const owner = dlopen(QFile::encodeName(path).constData(), RTLD_NOW);
+    QVERIFY(owner);
+    f.make("Owned.dll", cutPluginWithItsDescription());
+    f.expectLoadedPlugin(path);
+    QCOMPARE(dlclose(owner), 0);
+}
+
 }
 
 Rows systemRows()
 {
     constexpr Ending busError{Ending::Signal, SIGBUS};
-    return {
+    Rows rows{
         {"truncated at every 64 bytes", "line with the reason, box; whole up to its last segment, it loads",
          cutPlain},
         {"truncated, found by bare name", "line, box; no other of the name is taken", cutFileFoundByItsName},
+        {"truncated, behind one for another machine", "line, box: the loader passes over the first",
+         cutFileBehindOneForAnotherMachine},
+        {"truncated for another machine, before a whole one", "the whole one loads",
+         cutFileForAnotherMachineBeforeAWholeOne},
+        {"truncated, behind a text of another name", "line, box; an absolute path is the only one",
+         cutFileBehindATextOfAnotherName},
         {"truncated, relative path", "line, box", cutFileBehindARelativePath},
         {"truncated Qt plug-in, every 64 bytes", "line with Qt's reason, box", cutQtPlugin},
         {"truncated Qt plug-in that still describes itself", "line, box", cutQtPluginWithItsDescription},
+        {"truncated Qt plug-in, found by bare name", "line, box; no other of the name is taken",
+         cutQtPluginFoundByItsName},
+        {"truncated Qt plug-in in a relative library path", "line, box; has no other names",
+         cutQtPluginInARelativeLibraryPath},
         {"truncated while another owner has it loaded", "loads: what is in memory is whole",
          cutWhileAnotherHasItLoaded},
+        {"truncated while the system's loader has it", "loads: what is in memory is whole",
+         cutWhileTheLoaderHasIt},
+        {"truncated Qt plug-in while the system's loader has it", "loads: what is in memory is whole",
+         cutQtPluginWhileTheLoaderHasIt},
+        {"segment without content beyond the file", "loads, if it begins with a page",
+         emptySegmentBeyondTheFile},
         {"segment beyond 2^64", "line, box", segmentBeyondAllFiles},
         {"table of segments beyond 2^64", "line, box", tableBeyondAllFiles},
         {"wrong machine", "line, box", otherMachine},
@@ -293,4 +555,7 @@ Rows systemRows()
         {"truncated needed library", "the system's loader maps it", cutNeededLibrary, busError},
         {"truncated in place while loaded", "its code is gone at the next message", cutWhileLoaded, busError},
     };
+    const Rows names = namesRows();
+    rows.insert(rows.end(), names.begin(), names.end());
+    return rows;
 }

@@ -5,11 +5,30 @@
 Rows systemRows()
 {
     Rows rows;
-    for (const char *name :
-         {"truncated at every 64 bytes", "truncated, found by bare name", "truncated, relative path",
-          "truncated Qt plug-in, every 64 bytes", "truncated Qt plug-in that still describes itself",
-          "truncated while another owner has it loaded", "segment beyond 2^64",
-          "table of segments beyond 2^64", "wrong machine", "32-bit", "truncated needed library"})
+    for (const char *name : {"truncated at every 64 bytes",
+                             "truncated, found by bare name",
+                             "truncated, behind one for another machine",
+                             "truncated for another machine, before a whole one",
+                             "truncated, under each name that QLibrary asks for: bare",
+                             "truncated, under each name that QLibrary asks for: with \"lib\"",
+                             "truncated, under each name that QLibrary asks for: relative",
+                             "truncated, under each name that QLibrary asks for: absolute",
+                             "truncated, under each name that QLibrary asks for: hidden",
+                             "truncated, behind a text of another name",
+                             "truncated, relative path",
+                             "truncated Qt plug-in, every 64 bytes",
+                             "truncated Qt plug-in that still describes itself",
+                             "truncated Qt plug-in, found by bare name",
+                             "truncated Qt plug-in in a relative library path",
+                             "truncated while another owner has it loaded",
+                             "truncated while the system's loader has it",
+                             "truncated Qt plug-in while the system's loader has it",
+                             "segment without content beyond the file",
+                             "segment beyond 2^64",
+                             "table of segments beyond 2^64",
+                             "wrong machine",
+                             "32-bit",
+                             "truncated needed library"})
         rows.push_back({name, {}, {}, {}, "made of Linux' kind of library; here the system checks its own"});
     for (const char *name :
          {"dangling link", "link loop", "FIFO", "FIFO in place of a Qt plug-in", "/dev/null", "unreadable"})
