@@ -10,15 +10,6 @@
 
 #include <cstdio>
 
-namespace {
-
-QString withoutSuffix(const QString &path)
-{
-    return path.chopped(int(qstrlen(".dll")));
-}
-
-}
-
 void Faults::init()
 {
     CamTest::init();
@@ -47,6 +38,11 @@ QString Faults::fixture(const char *file)
 QString Faults::replaceable(const QString &file)
 {
     return QStringLiteral(REPLACEABLE_DIR "/faults/") + file;
+}
+
+QString Faults::withoutSuffix(const QString &path)
+{
+    return path.chopped(int(qstrlen(".dll")));
 }
 
 QByteArray Faults::healthyLibrary()
@@ -109,17 +105,6 @@ void Faults::expectRefusedPlugin(const QString &path, const QString &reason)
     QCOMPARE(deliveries(), Deliveries());
 }
 
-void Faults::expectOneFailure(const QString &path, const QString &reason, const LogLines::Line &last)
-{
-    QCOMPARE(log(), (Lines{loadFailed(path, reason), last}));
-    const QList<MessageBoxes::Box> shown = boxes();
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown.first().title, QStringLiteral("提示"));
-    QCOMPARE(shown.first().text, QStringLiteral("加载插件失败！失败路径：") + path);
-    QCOMPARE(shown.first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QVERIFY(shown.first().modal && !shown.first().hasParent);
-}
-
 void Faults::expectLoaded(const QString &path)
 {
     loadPlain(path);
@@ -134,6 +119,17 @@ void Faults::expectLoadedPlugin(const QString &path)
     QCOMPARE(log(), Lines{desktopLoaded()});
     desktop()->recMegfromPlugin(message(withoutSuffix(path)));
     QCOMPARE(deliveries().list.size(), 1);
+}
+
+void Faults::expectOneFailure(const QString &path, const QString &reason, const LogLines::Line &last)
+{
+    QCOMPARE(log(), (Lines{loadFailed(path, reason), last}));
+    const QList<MessageBoxes::Box> shown = boxes();
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown.first().title, QStringLiteral("提示"));
+    QCOMPARE(shown.first().text, QStringLiteral("加载插件失败！失败路径：") + path);
+    QCOMPARE(shown.first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(shown.first().modal && !shown.first().hasParent);
 }
 
 QString Faults::reasonOf(const QString &path, const char *words)
@@ -176,9 +172,16 @@ LogLines::Line Faults::loadFailed(const QString &path, const QString &reason)
             Gbk::loadFailed + path.toUtf8() + Gbk::loadFailedReason + reason.toUtf8()};
 }
 
+void Faults::expectNothingMore()
+{
+    QCOMPARE(deliveries(), Deliveries());
+    QCOMPARE(log(), Lines());
+    QVERIFY(boxes().isEmpty());
+}
+
 void Faults::reachTheEnd()
 {
-    std::puts("the end is near");
+    std::puts(reachedTheEnd);
     std::fflush(stdout);
 }
 
