@@ -1,7 +1,7 @@
 // What plug-ins do when they are called.
 
 #include "faults.h"
-#include "gbktexts.h"
+#include "keptloaders.h"
 #include "openbase.h"
 
 #include <QtCore/QDir>
@@ -219,6 +219,7 @@ void queuedSlotThrowsIntoTheLoop(Faults &f)
 // The box of the failed load has them handled while the plug-ins are being loaded.
 void queuedReceiverGoesAway(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     const Wire wire(f);
     const auto toTheOther = f.message("File_Process");
     wire.sendFromAThread({toPNList(1), toTheOther, toPNList(2)});
@@ -287,13 +288,13 @@ void anotherIsUnloadedDuringADelivery(Faults &f)
     f.manager()->recMegToPlugin(frame, sent);
     QVERIFY(!QLibrary(path).isLoaded());
     QCOMPARE(f.deliveries(), Deliveries{f.to(receiver, sent)});
-    QCOMPARE(f.log(), (Faults::Lines{{'I', "pluginMangerBase", Gbk::allUnloaded},
-                                     f.info("Sender send to Graphic_View 7")}));
+    QCOMPARE(f.log(), (Faults::Lines{Faults::allUnloaded(), f.info("Sender send to Graphic_View 7")}));
 }
 
 // The only library, since another might take its place in memory, with the same code at the same addresses.
 void ownLibraryIsUnloadedDuringADelivery(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     const QString path = Faults::replaceable("Graphic_Tips.dll");
     QVERIFY(QFile::copy(Faults::fixture("healthy/Graphic_Tips.dll"), path));
     f.load({"Graphic_Tips"});

@@ -3,6 +3,7 @@
 #include "faults.h"
 
 #include "gbktexts.h"
+#include "keptloaders.h"
 #include "openbase.h"
 
 #include <QtCore/QDir>
@@ -82,6 +83,7 @@ void hundredMegabytes(Faults &f)
 
 void nulInAName(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     f.writeCamList(R"({"pluginList":[{"name":"Graphic_Tips.dll\u0000rest"}]})");
     f.manager()->loadAllPlugins();
     const QString name = "Graphic_Tips.dll" + QString(QChar::Null) + "rest.dll";
@@ -105,6 +107,7 @@ void nulInAName(Faults &f)
 // What is no object or has no text for a name counts as one entry without a name.
 void wrongTypes(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     f.writeCamList(R"({"pluginList":[7,"text",null,[],{"name":5},
         {"name":"Graphic_Tips","version":{},"dependencies":"no"}]})");
     f.manager()->loadAllPlugins();
@@ -147,6 +150,7 @@ void duplicateNames(Faults &f)
 // Plain libraries: from the current directory. Qt plug-ins: from each of Qt's library paths.
 void namesThatLeaveTheirDirectory(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     QVERIFY(QDir().mkpath("app/plugins") && QDir().mkpath("app/run"));
     f.make("app/Outside.dll", Faults::healthyLibrary());
     f.make("app/OutsideToo.dll", Faults::healthyPlugin());
@@ -169,6 +173,7 @@ void namesThatLeaveTheirDirectory(Faults &f)
 
 void lineBreakInAName(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     f.writeCamList(R"({"pluginList":[{"name":"Absent\nE20260101 forged"}]})");
     f.manager()->loadAllPlugins();
     const QString name = "Absent\nE20260101 forged.dll";

@@ -1,6 +1,7 @@
 #include "faults.h"
 
 #include "gbktexts.h"
+#include "keptloaders.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -79,12 +80,14 @@ void Faults::writeDesktopList(const QByteArray &content) const
 
 void Faults::loadPlain(const QString &path) const
 {
+    const KeptLoaders keptLoaders;
     writeCamList(TestFiles::configOf({withoutSuffix(path)}));
     manager()->loadAllPlugins();
 }
 
 void Faults::loadQtPlugin(const QString &path) const
 {
+    const KeptLoaders keptLoaders;
     writeDesktopList(TestFiles::configOf({withoutSuffix(path)}));
     desktop()->loadAllPlugins();
 }
@@ -107,7 +110,8 @@ void Faults::expectRefusedPlugin(const QString &path, const QString &reason)
 
 void Faults::expectLoaded(const QString &path)
 {
-    loadPlain(path);
+    writeCamList(TestFiles::configOf({withoutSuffix(path)}));
+    manager()->loadAllPlugins();
     QCOMPARE(log(), Lines{camLoaded()});
     QVERIFY(manager()->plugin(path));
     QVERIFY(manager()->plugin(path)->resolve("recMsgFromManager"));
@@ -115,7 +119,8 @@ void Faults::expectLoaded(const QString &path)
 
 void Faults::expectLoadedPlugin(const QString &path)
 {
-    loadQtPlugin(path);
+    writeDesktopList(TestFiles::configOf({withoutSuffix(path)}));
+    desktop()->loadAllPlugins();
     QCOMPARE(log(), Lines{desktopLoaded()});
     desktop()->recMegfromPlugin(message(withoutSuffix(path)));
     QCOMPARE(deliveries().list.size(), 1);
@@ -164,6 +169,11 @@ LogLines::Line Faults::camLoaded()
 LogLines::Line Faults::desktopLoaded()
 {
     return {'I', "pluginManger", Gbk::allLoaded};
+}
+
+LogLines::Line Faults::allUnloaded()
+{
+    return {'I', "pluginMangerBase", Gbk::allUnloaded};
 }
 
 LogLines::Line Faults::loadFailed(const QString &path, const QString &reason)

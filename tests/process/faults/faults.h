@@ -29,6 +29,8 @@ struct Row
     Ending ending = {};
     /// Why this platform has no such row.
     QByteArray leftOut = {};
+    /// So much that a sanitizer takes minutes when it notes the whole stack each time.
+    bool allocatesMuch = false;
 };
 
 using Rows = std::vector<Row>;
@@ -80,7 +82,7 @@ public:
     void writeCamList(const QByteArray &content) const;
     void writeDesktopList(const QByteArray &content) const;
 
-    /// Load a list of nothing but this path, which ends in ".dll".
+    /// Load a list of nothing but this path, which ends in ".dll" and may fail to load.
     void loadPlain(const QString &path) const;
     void loadQtPlugin(const QString &path) const;
 
@@ -101,6 +103,7 @@ public:
 
     static LogLines::Line camLoaded();
     static LogLines::Line desktopLoaded();
+    static LogLines::Line allUnloaded();
     static LogLines::Line loadFailed(const QString &path, const QString &reason);
 
     /// All lines, boxes and deliveries so far have been looked at.

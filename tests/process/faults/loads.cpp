@@ -1,6 +1,7 @@
 // Libraries that do not load, or do harm when they do.
 
 #include "faults.h"
+#include "keptloaders.h"
 #include "openbase.h"
 
 #include <QtCore/QDir>
@@ -174,6 +175,7 @@ void appearsAfterAFailedLoad(Faults &f)
 
 void twoOwners(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     const QString path = f.make("Owned.dll", Faults::healthyLibrary());
     QLibrary owner(path);
     QVERIFY(owner.load());
@@ -202,6 +204,8 @@ void constructorLoads(Faults &f)
     actInAConstructor([&] { base.loadLibraryPlugin(tables, inner); });
     f.expectLoaded(acting);
     QVERIFY(tables.m_libraries.value(inner)->resolve("recMsgFromManager"));
+    base.unloadAllLibraries(tables);
+    QCOMPARE(f.log(), Faults::Lines{Faults::allUnloaded()});
 }
 
 const QString actingRoot = QStringLiteral(FIXTURE_DIR "/acting_root_object/Acting_Root_Object.dll");

@@ -186,7 +186,7 @@ Rows messageRows()
          registryChanges},
         {"factory re-entering the factory", "both elements are recorded and receive", factoryReentered},
         {"factory returning null", "null is remembered and handed on", factoryReturnsNull},
-        {"1,000,000 deliveries", "each arrives", aMillionDeliveries},
+        {"1,000,000 deliveries", "each arrives, in order", aMillionDeliveries, {}, {}, true},
         {"null target", "handed on where the registry is not asked, refused where it is", nullTarget},
         {"unknown destination", "dropped in silence", unknownDestination},
         {"message to itself", "delivered", messageToItself},

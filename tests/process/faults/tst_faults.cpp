@@ -113,10 +113,17 @@ Ending endingOf(QProcess &process, int limit)
 QProcessEnvironment environmentOf(const Row &row)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // A sanitizer has signals to itself otherwise. What a process holds when it is ended by force is no leak.
-    if (row.ending.kind != Ending::Normal)
-        environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS")
-                                               + ":detect_leaks=0:handle_segv=0:handle_sigbus=0");
+    QString options = environment.value("ASAN_OPTIONS");
+    if (row.ending.kind != Ending::Normal) {
+        // What a process still holds when it ends that way is no leak, and a sanitizer has signals to itself
+        // otherwise.
+        options += ":detect_leaks=0:handle_segv=0:handle_sigbus=0";
+    }
+    // To note where memory comes from takes long, and a walk up the stack must not meet a library that is
+    // gone.
+    if (row.ending.kind != Ending::Normal || row.allocatesMuch)
+        options += ":fast_unwind_on_malloc=1";
+    environment.insert("ASAN_OPTIONS", options);
     return environment;
 }
 
