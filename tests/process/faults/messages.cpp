@@ -119,6 +119,7 @@ void aMillionDeliveries(Faults &f)
         f.manager()->recMegToPlugin(s.frame, sent);
         QCOMPARE(received, time + 1);
     }
+    QCOMPARE(received, times);
 }
 
 void nullTarget(Faults &f)
