@@ -1,6 +1,7 @@
 #include "faults.h"
 
 #include "gbktexts.h"
+#include "keptloaders.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -9,15 +10,6 @@
 #include <QtTest/QtTest>
 
 #include <cstdio>
-
-namespace {
-
-QString withoutSuffix(const QString &path)
-{
-    return path.chopped(int(qstrlen(".dll")));
-}
-
-}
 
 void Faults::init()
 {
@@ -47,6 +39,11 @@ QString Faults::fixture(const char *file)
 QString Faults::replaceable(const QString &file)
 {
     return QStringLiteral(REPLACEABLE_DIR "/faults/") + file;
+}
+
+QString Faults::withoutSuffix(const QString &path)
+{
+    return path.chopped(int(qstrlen(".dll")));
 }
 
 QByteArray Faults::healthyLibrary()
@@ -83,12 +80,14 @@ void Faults::writeDesktopList(const QByteArray &content) const
 
 void Faults::loadPlain(const QString &path) const
 {
+    const KeptLoaders keptLoaders;
     writeCamList(TestFiles::configOf({withoutSuffix(path)}));
     manager()->loadAllPlugins();
 }
 
 void Faults::loadQtPlugin(const QString &path) const
 {
+    const KeptLoaders keptLoaders;
     writeDesktopList(TestFiles::configOf({withoutSuffix(path)}));
     desktop()->loadAllPlugins();
 }
@@ -109,6 +108,24 @@ void Faults::expectRefusedPlugin(const QString &path, const QString &reason)
     QCOMPARE(deliveries(), Deliveries());
 }
 
+void Faults::expectLoaded(const QString &path)
+{
+    writeCamList(TestFiles::configOf({withoutSuffix(path)}));
+    manager()->loadAllPlugins();
+    QCOMPARE(log(), Lines{camLoaded()});
+    QVERIFY(manager()->plugin(path));
+    QVERIFY(manager()->plugin(path)->resolve("recMsgFromManager"));
+}
+
+void Faults::expectLoadedPlugin(const QString &path)
+{
+    writeDesktopList(TestFiles::configOf({withoutSuffix(path)}));
+    desktop()->loadAllPlugins();
+    QCOMPARE(log(), Lines{desktopLoaded()});
+    desktop()->recMegfromPlugin(message(withoutSuffix(path)));
+    QCOMPARE(deliveries().list.size(), 1);
+}
+
 void Faults::expectOneFailure(const QString &path, const QString &reason, const LogLines::Line &last)
 {
     QCOMPARE(log(), (Lines{loadFailed(path, reason), last}));
@@ -118,22 +135,6 @@ void Faults::expectOneFailure(const QString &path, const QString &reason, const 
     QCOMPARE(shown.first().text, QStringLiteral("加载插件失败！失败路径：") + path);
     QCOMPARE(shown.first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QVERIFY(shown.first().modal && !shown.first().hasParent);
-}
-
-void Faults::expectLoaded(const QString &path)
-{
-    loadPlain(path);
-    QCOMPARE(log(), Lines{camLoaded()});
-    QVERIFY(manager()->plugin(path));
-    QVERIFY(manager()->plugin(path)->resolve("recMsgFromManager"));
-}
-
-void Faults::expectLoadedPlugin(const QString &path)
-{
-    loadQtPlugin(path);
-    QCOMPARE(log(), Lines{desktopLoaded()});
-    desktop()->recMegfromPlugin(message(withoutSuffix(path)));
-    QCOMPARE(deliveries().list.size(), 1);
 }
 
 QString Faults::reasonOf(const QString &path, const char *words)
@@ -170,15 +171,27 @@ LogLines::Line Faults::desktopLoaded()
     return {'I', "pluginManger", Gbk::allLoaded};
 }
 
+LogLines::Line Faults::allUnloaded()
+{
+    return {'I', "pluginMangerBase", Gbk::allUnloaded};
+}
+
 LogLines::Line Faults::loadFailed(const QString &path, const QString &reason)
 {
     return {'E', "pluginMangerBase",
             Gbk::loadFailed + path.toUtf8() + Gbk::loadFailedReason + reason.toUtf8()};
 }
 
+void Faults::expectNothingMore()
+{
+    QCOMPARE(deliveries(), Deliveries());
+    QCOMPARE(log(), Lines());
+    QVERIFY(boxes().isEmpty());
+}
+
 void Faults::reachTheEnd()
 {
-    std::puts("the end is near");
+    std::puts(reachedTheEnd);
     std::fflush(stdout);
 }
 

@@ -29,6 +29,8 @@ struct Row
     Ending ending = {};
     /// Why this platform has no such row.
     QByteArray leftOut = {};
+    /// So much that a sanitizer takes minutes when it notes the whole stack each time.
+    bool allocatesMuch = false;
 };
 
 using Rows = std::vector<Row>;
@@ -40,6 +42,7 @@ class Faults : public CamTest
 
 public:
     using CamTest::boxes;
+    using CamTest::by;
     using CamTest::deliveries;
     using CamTest::directory;
     using CamTest::element;
@@ -54,6 +57,7 @@ public:
     using CamTest::log;
     using CamTest::manager;
     using CamTest::message;
+    using CamTest::note;
     using CamTest::onDeliveryTo;
     using CamTest::onNextDelivery;
     using CamTest::tips;
@@ -67,6 +71,7 @@ public:
     static QString fixture(const char *file);
     /// A directory of the dynamic loader's, which it asks before that of the healthy libraries.
     static QString replaceable(const QString &file);
+    static QString withoutSuffix(const QString &path);
     static QByteArray healthyLibrary();
     static QByteArray healthyPlugin();
 
@@ -77,7 +82,7 @@ public:
     void writeCamList(const QByteArray &content) const;
     void writeDesktopList(const QByteArray &content) const;
 
-    /// Load a list of nothing but this path, which ends in ".dll".
+    /// Load a list of nothing but this path, which ends in ".dll" and may fail to load.
     void loadPlain(const QString &path) const;
     void loadQtPlugin(const QString &path) const;
 
@@ -87,6 +92,8 @@ public:
     void expectRefusedPlugin(const QString &path, const QString &reason);
     void expectLoaded(const QString &path);
     void expectLoadedPlugin(const QString &path);
+    /// Since it was last asked: one line with the reason, this one after it, one box, and nothing else.
+    void expectOneFailure(const QString &path, const QString &reason, const LogLines::Line &last);
 
     /// What the loader says of a file.
     static QString reasonOf(const QString &path, const char *words);
@@ -96,8 +103,11 @@ public:
 
     static LogLines::Line camLoaded();
     static LogLines::Line desktopLoaded();
+    static LogLines::Line allUnloaded();
     static LogLines::Line loadFailed(const QString &path, const QString &reason);
 
+    /// All lines, boxes and deliveries so far have been looked at.
+    void expectNothingMore();
     /// Says to the parent process that all went well up to where this one ends.
     static void reachTheEnd();
 
@@ -112,8 +122,6 @@ protected slots:
     void cleanup();
 
 private:
-    void expectOneFailure(const QString &path, const QString &reason, const LogLines::Line &last);
-
     QTemporaryDir m_files;
     std::unique_ptr<DebugLines> m_debug;
 };
@@ -123,3 +131,6 @@ Rows loadRows();
 Rows callRows();
 Rows messageRows();
 Rows configurationRows();
+
+/// What a row that ends its process says when it has come that far.
+constexpr char reachedTheEnd[] = "the end is near";

@@ -3,6 +3,8 @@
 #include "faults.h"
 #include "openbase.h"
 
+#include "keptloaders.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QLibrary>
@@ -428,6 +430,7 @@ void nullDevice(Faults &f)
 // Root may read everything, so the load is done as the user who may do least.
 void unreadableFile(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     const QString path = f.make("Unreadable.dll", Faults::healthyLibrary());
     for (const QString &directory :
          {QFileInfo(path).path(), f.path("pluginconfig"), f.directory(), f.directory() + "/pluginconfig"})

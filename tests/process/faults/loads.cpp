@@ -1,11 +1,13 @@
 // Libraries that do not load, or do harm when they do.
 
 #include "faults.h"
+#include "keptloaders.h"
 #include "openbase.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QLibrary>
+#include <QtCore/QPluginLoader>
 #include <QtCore/QRandomGenerator>
 #include <QtTest/QtTest>
 
@@ -91,14 +93,10 @@ void noMetaData(Faults &f)
 void inTheCurrentDirectory(Faults &f)
 {
     f.make("Planted.dll", Faults::healthyLibrary());
-    f.loadPlain("Planted.dll");
 #ifdef Q_OS_WIN
-    QVERIFY(f.manager()->plugin("Planted.dll"));
-    QCOMPARE(f.log(), Faults::Lines{Faults::camLoaded()});
+    f.expectLoaded("Planted.dll");
 #else
-    QVERIFY(!f.manager()->plugin("Planted.dll"));
-    QCOMPARE(f.boxes().size(), 1);
-    QCOMPARE(f.log().size(), 2);
+    f.expectRefused("Planted.dll", Faults::reasonOfQLibrary("Planted.dll", noSuchFile));
 #endif
 }
 
@@ -113,8 +111,25 @@ void outsideTheOnlyLibraryPath(Faults &f)
 
 void foreignRootObject(Faults &f)
 {
-    f.loadQtPlugin(Faults::fixture("not_a_plugin_interface/Not_A_Plugin_Interface.dll"));
+    const QString foreign = Faults::fixture("not_a_plugin_interface/Not_A_Plugin_Interface");
+    const QString good = Faults::fixture("desktop/Other_Process");
+    f.writeDesktopList(TestFiles::configOf({foreign, good}));
+    f.desktop()->loadAllPlugins();
     QCOMPARE(f.log(), Faults::Lines{Faults::desktopLoaded()});
+    QVERIFY(f.boxes().isEmpty());
+    QVERIFY(!QPluginLoader(foreign + ".dll").isLoaded());
+    // All that is listed is named there.
+    f.desktop()->initAllPlugins();
+    QCOMPARE(f.debug().take(), QStringList('"' + good + ".dll\""));
+    f.desktop()->initSignalAndSlot();
+    QCOMPARE(f.debug().takeWarnings(), QStringList());
+
+    f.desktop()->recMegfromPlugin(f.message(foreign));
+    QCOMPARE(f.deliveries(), Deliveries());
+    f.desktop()->recMegfromPlugin(f.message(good));
+    const QList<Recorder::Delivery> received = f.deliveries().list;
+    QCOMPARE(received.size(), 1);
+    QCOMPARE(received.first().library, QString("Other_Process.dll"));
 }
 
 void lettersAndBlanks(Faults &f)
@@ -124,10 +139,7 @@ void lettersAndBlanks(Faults &f)
     f.expectLoaded(f.make(directory + QStringLiteral("/插件 eins.dll"), Faults::healthyLibrary()));
     f.expectLoadedPlugin(f.make(directory + QStringLiteral("/插件 zwei.dll"), Faults::healthyPlugin()));
     const QString broken = f.make(directory + QStringLiteral("/缺 失.dll"), "no library");
-    f.loadPlain(broken);
-    QCOMPARE(f.boxes().size(), 1);
-    const auto lines = f.log();
-    QVERIFY(lines.contains(Faults::loadFailed(broken, Faults::reasonOf(broken, "file too short"))));
+    f.expectRefused(broken, Faults::reasonOf(broken, "file too short"));
 }
 
 void replacedByRename(Faults &f)
@@ -163,6 +175,7 @@ void appearsAfterAFailedLoad(Faults &f)
 
 void twoOwners(Faults &f)
 {
+    const KeptLoaders keptLoaders;
     const QString path = f.make("Owned.dll", Faults::healthyLibrary());
     QLibrary owner(path);
     QVERIFY(owner.load());
@@ -173,64 +186,91 @@ void twoOwners(Faults &f)
     QVERIFY(f.manager()->plugin(path)->resolve("recMsgFromManager"));
 }
 
-void loadActing(std::function<void()> action, Faults &f)
+const QString acting = QStringLiteral(FIXTURE_DIR "/acting_constructor/Acting_Constructor.dll");
+
+void actInAConstructor(std::function<void()> action)
 {
     Recorder::setOnFactory([action = std::move(action)](const QString &, QWidget *) {
         Recorder::setOnFactory({});
         action();
     });
-    f.loadPlain(Faults::fixture("acting_constructor/Acting_Constructor.dll"));
 }
 
 void constructorLoads(Faults &f)
 {
-    const QString path = Faults::fixture("acting_constructor/Acting_Constructor.dll");
     const QString inner = f.make("Inner.dll", Faults::healthyLibrary());
     OpenBase base;
     QTPluginsMangerPrivate tables;
-    loadActing([&] { base.loadLibraryPlugin(tables, inner); }, f);
-    QCOMPARE(f.log(), Faults::Lines{Faults::camLoaded()});
-    QVERIFY(f.manager()->plugin(path));
+    actInAConstructor([&] { base.loadLibraryPlugin(tables, inner); });
+    f.expectLoaded(acting);
     QVERIFY(tables.m_libraries.value(inner)->resolve("recMsgFromManager"));
+    base.unloadAllLibraries(tables);
+    QCOMPARE(f.log(), Faults::Lines{Faults::allUnloaded()});
+}
+
+const QString actingRoot = QStringLiteral(FIXTURE_DIR "/acting_root_object/Acting_Root_Object.dll");
+
+void rootObjectThrows(Faults &f)
+{
+    actInAConstructor([] { throw std::runtime_error("from a root object"); });
+    QVERIFY_EXCEPTION_THROWN(f.loadQtPlugin(actingRoot), std::runtime_error);
+    f.expectNothingMore();
+    // It is not listed, though Qt has its library mapped.
+    f.desktop()->initAllPlugins();
+    QCOMPARE(f.debug().take(), QStringList());
+    f.desktop()->recMegfromPlugin(f.message(f.withoutSuffix(actingRoot)));
+    f.expectNothingMore();
+    // Nor does that keep it from being loaded when it no longer throws.
+    f.expectLoadedPlugin(actingRoot);
 }
 
 void constructorThrows(Faults &f)
 {
-    const QString path = Faults::fixture("acting_constructor/Acting_Constructor.dll");
-    QVERIFY_EXCEPTION_THROWN(loadActing([] { throw std::runtime_error("from a constructor"); }, f),
-                             std::runtime_error);
-    QVERIFY(!f.manager()->plugin(path));
+    actInAConstructor([] { throw std::runtime_error("from a constructor"); });
+    QVERIFY_EXCEPTION_THROWN(f.loadPlain(acting), std::runtime_error);
+    f.expectNothingMore();
+    QVERIFY(!f.manager()->plugin(acting));
     QVERIFY(!f.manager()->isCAMLoaded());
+    // It does not throw again.
+    f.expectLoaded(acting);
+}
+
+/// Beside a library that is loaded.
+void endInAConstructor(Faults &f, std::function<void()> end)
+{
+    f.expectLoaded(f.make("Good.dll", Faults::healthyLibrary()));
+    actInAConstructor([&, end = std::move(end)] {
+        QVERIFY(f.manager()->plugin(f.path("Good.dll")));
+        QVERIFY(!f.manager()->plugin(acting));
+        f.expectNothingMore();
+        Faults::reachTheEnd();
+        end();
+    });
+    f.loadPlain(acting);
 }
 
 void constructorAborts(Faults &f)
 {
-    Faults::reachTheEnd();
-    loadActing([] { std::abort(); }, f);
+    endInAConstructor(f, [] { std::abort(); });
 }
 
 void constructorExits(Faults &f)
 {
-    Faults::reachTheEnd();
-    loadActing([] { std::exit(7); }, f);
+    endInAConstructor(f, [] { std::exit(7); });
 }
 
 void constructorCrashes(Faults &f)
 {
-    Faults::reachTheEnd();
     volatile quintptr nowhere = 16;
-    loadActing([&] { *reinterpret_cast<volatile int *>(nowhere) = 1; }, f);
+    endInAConstructor(f, [&] { *reinterpret_cast<volatile int *>(nowhere) = 1; });
 }
 
 void constructorHangs(Faults &f)
 {
-    Faults::reachTheEnd();
-    loadActing(
-        [] {
-            for (;;)
-                QThread::sleep(1);
-        },
-        f);
+    endInAConstructor(f, [] {
+        for (;;)
+            QThread::sleep(1);
+    });
 }
 
 }
@@ -264,6 +304,8 @@ Rows loadRows()
         {"file that appears after a failed load", "loads the next time", appearsAfterAFailedLoad},
         {"two owners of one library", "stays loaded for both", twoOwners},
         {"constructor that loads", "both load", constructorLoads},
+        {"root object's constructor that throws",
+         "reaches the caller of the load; what is listed after it is not loaded", rootObjectThrows},
         {"constructor that aborts",
          "the process is the plug-in's, too",
          constructorAborts,

@@ -22,17 +22,30 @@ struct Scene
     QWidget *second;
 };
 
+// From one element to the other and back, each time before the one before has returned.
 void reentrant(Faults &f)
 {
     const Scene s(f);
     constexpr int depth = 100;
-    int left = depth;
-    Recorder::setOnDelivery([&](const Recorder::Delivery &) {
-        if (--left > 0)
-            f.manager()->recMegToPlugin(s.frame, f.message(f.view, {}, quiet));
-    });
-    f.manager()->recMegToPlugin(s.frame, f.message(f.view, {}, quiet));
-    QCOMPARE(f.deliveries().list.size(), depth);
+    Deliveries expected;
+    Faults::Lines traces;
+    for (int number = 0; number < depth; ++number) {
+        const bool toFirst = number % 2 == 0;
+        expected.list.append(f.to(toFirst ? s.first : s.second,
+                                  f.message(toFirst ? f.view : f.tips, {{"Number", number}}, number)));
+        const char *const text = toFirst ? "Sender send to Graphic_View " : "Sender send to Graphic_Tips ";
+        traces.prepend(f.info(text + QByteArray::number(number)));
+    }
+    int sent = 0;
+    const auto sendNext = [&] {
+        if (sent < depth)
+            f.manager()->recMegToPlugin(s.frame, expected.list.at(sent++).message);
+    };
+    Recorder::setOnDelivery([&](const Recorder::Delivery &) { sendNext(); });
+    sendNext();
+    QCOMPARE(f.deliveries(), expected);
+    // Each is traced when it returns, so the innermost comes first.
+    QCOMPARE(f.log(), traces);
 }
 
 void thereAndBack(Faults &f)
@@ -55,23 +68,29 @@ void thereAndBack(Faults &f)
 
 void registryChanges(Faults &f)
 {
-    const Scene s(f);
-    const auto sent = f.message("", {}, quiet);
+    f.load();
+    QWidget *const frame = f.graphicFrame("A | pcb");
+    const auto [first, second] = f.twins(f.view, frame);
+    const auto sent = f.message(f.view);
     const auto received = f.withMissing(sent, {"ChangeStepName", "OldJobName"});
     QWidget *late = nullptr;
-    f.onDeliveryTo(s.first, [&] {
+    f.onDeliveryTo(first, [&, receiver = first] {
         for (int number = 0; number < 100; ++number)
-            f.graphicFrame("A | late " + QString::number(number));
-        late = f.graphicFrame("A | late 0");
+            late = f.element(f.view, f.graphicFrame("A | late " + QString::number(number)));
         f.manager()->Ov_DeleteTreeNode("Graphic", "A | pcb");
+        QVERIFY(!f.isRegistered(receiver));
     });
-    f.manager()->updateGraphic("A", f.message(f.view, {}, quiet));
-    const auto found = f.deliveries().list;
-    // The view's own, and the frame's that says that it is to close.
-    QCOMPARE(found.size(), 2);
-    QCOMPARE(found.first().target, static_cast<void *>(s.first));
-    QCOMPARE(found.last().target, static_cast<void *>(s.frame));
-    QVERIFY(f.isRegistered(late) && !f.isRegistered(s.first));
+    f.manager()->updateGraphic("A", sent);
+    // Between the two elements the frame is told to close.
+    QCOMPARE(f.deliveries(),
+             (Deliveries{f.to(first, received), f.to(frame, f.note("", f.graphicEditor, 20002402)),
+                         f.to(second, received)}));
+    for (QWidget *gone : {frame, first, second})
+        QVERIFY(!f.isRegistered(gone));
+    f.manager()->updateGraphic("A", sent);
+    const QList<Recorder::Delivery> toLate = f.deliveries().list;
+    QCOMPARE(toLate.size(), 100);
+    QVERIFY(toLate.last() == f.to(late, received));
 }
 
 void factoryReentered(Faults &f)
@@ -89,12 +108,17 @@ void aMillionDeliveries(Faults &f)
 {
     const Scene s(f);
     constexpr int times = 1000000;
+    auto sent = f.message(f.view, {}, quiet);
     int received = 0;
-    Recorder::setOnDelivery(
-        [&](const Recorder::Delivery &) { received += Recorder::takeDeliveries().size(); });
-    const auto sent = f.message(f.view, {}, quiet);
-    for (int time = 0; time < times; ++time)
+    Recorder::setOnDelivery([&](const Recorder::Delivery &delivery) {
+        Recorder::takeDeliveries();
+        received += delivery == f.to(s.first, sent) ? 1 : 0;
+    });
+    for (int time = 0; time < times; ++time) {
+        sent.userData = quint64(time);
         f.manager()->recMegToPlugin(s.frame, sent);
+        QCOMPARE(received, time + 1);
+    }
     QCOMPARE(received, times);
 }
 
@@ -106,7 +130,8 @@ void nullTarget(Faults &f)
     f.manager()->recMegToPlugin(nullptr, f.message(f.view));
     f.manager()->sendKeyBoardStatusToGraphic(nullptr, f.message(f.view));
     QCOMPARE(f.deliveries(), Deliveries());
-    QCOMPARE(f.log().size(), 1);
+    QCOMPARE(f.log(), Faults::Lines{f.error("recMegToPlugin metadate frame is 0 src: Sender.dll"
+                                            " dst:Graphic_View.dlltype:7")});
 }
 
 void factoryReturnsNull(Faults &f)
@@ -162,7 +187,7 @@ Rows messageRows()
          registryChanges},
         {"factory re-entering the factory", "both elements are recorded and receive", factoryReentered},
         {"factory returning null", "null is remembered and handed on", factoryReturnsNull},
-        {"1,000,000 deliveries", "each arrives", aMillionDeliveries},
+        {"1,000,000 deliveries", "each arrives, in order", aMillionDeliveries, {}, {}, true},
         {"null target", "handed on where the registry is not asked, refused where it is", nullTarget},
         {"unknown destination", "dropped in silence", unknownDestination},
         {"message to itself", "delivered", messageToItself},
