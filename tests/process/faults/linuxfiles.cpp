@@ -123,6 +123,7 @@ void cutQtPlugin(Faults &f)
         lengths.push_back(length);
     lengths.push_back(whole.size() - 1);
 
+    const KeptLoaders keptLoaders;
     OpenBase base;
     QTPluginsMangerPrivate tables;
     for (const int length : lengths) {
