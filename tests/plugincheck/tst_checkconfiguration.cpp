@@ -6,6 +6,7 @@
 #include "testmain.h"
 
 #include <QtCore/QRandomGenerator>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 
 using namespace PluginCheck;
@@ -62,6 +63,8 @@ private slots:
     void syntaxErrorShowsItsLine();
     void cycleHasItsWholeWay();
     void dfmDependencyOnTheCamSetIsMet();
+    void reportsWhatIsRefused_data();
+    void reportsWhatIsRefused();
     void agreesWithTheManagersCheck();
     void manyEntriesTakeShort_data();
     void manyEntriesTakeShort();
@@ -285,6 +288,49 @@ void tst_CheckConfiguration::dfmDependencyOnTheCamSetIsMet()
     QCOMPARE(found(report), QStringList());
 }
 
+void tst_CheckConfiguration::reportsWhatIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("cam");
+    QTest::addColumn<QByteArray>("dfm");
+    QTest::addColumn<QStringList>("refused");
+    QTest::newRow("for what its entry's dependency needs") << list(R"({"name": "X", "version": "1"},
+        {"name": "X.dll", "version": "1", "dependencies": [{"name": "Y", "version": "1"}]},
+        {"name": "Y", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]})")
+                                                           << list("") << QStringList{"cam.json X"};
+    QTest::newRow("for a circle with its own entry")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "X.dll", "version": "1"}]},
+        {"name": "X.dll", "version": "1", "dependencies": [{"name": "X", "version": "1"}]})")
+        << list("") << QStringList{"cam.json X"};
+    QTest::newRow("for an entry of the other set")
+        << list(R"({"name": "X.dll", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]})")
+        << list(R"({"name": "X", "version": "1"})") << QStringList{"dfm.json X"};
+    QTest::newRow("nothing")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]},
+        {"name": "X.dll", "version": "1"})")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]})")
+        << QStringList{};
+}
+
+void tst_CheckConfiguration::reportsWhatIsRefused()
+{
+    QFETCH(QByteArray, cam);
+    QFETCH(QByteArray, dfm);
+    QFETCH(QStringList, refused);
+    Report report;
+    checkConfigurations({*parseConfiguration("cam.json", Set::Cam, cam, report),
+                         *parseConfiguration("dfm.json", Set::Dfm, dfm, report)},
+                        report);
+    QStringList reported;
+    for (const Finding &finding : report.findings()) {
+        if (finding.code == Code::PluginRefused)
+            reported.append(finding.configuration + ' ' + finding.plugin);
+        else if (!refused.isEmpty() && finding.code != Code::NameSuffix && finding.code != Code::ConfigList)
+            QVERIFY2(finding.consequence.startsWith("The manager refuses to load \"X\""),
+                     qPrintable(finding.consequence));
+    }
+    QCOMPARE(reported, refused);
+}
+
 /// Random sets, some listed under file names, so that the manager does look at their dependencies.
 void tst_CheckConfiguration::agreesWithTheManagersCheck()
 {
@@ -294,34 +340,74 @@ void tst_CheckConfiguration::agreesWithTheManagersCheck()
     QRandomGenerator random(20231121);
     const QJsonArray versions{"1", "2.0", 2, 1, true, QJsonValue()};
     const auto version = [&] { return versions.at(int(random.bounded(100)) < 70 ? 0 : random.bounded(6)); };
-    int refused = 0;
-    for (int round = 0; round < 300; ++round) {
+    const auto name = [&](int count) {
+        return QString::number(random.bounded(count)) + (random.bounded(2) ? ".dll" : "");
+    };
+    const auto randomSet = [&] {
         const int count = 1 + random.bounded(8);
         QJsonArray entries;
         for (int i = 0; i < count; ++i) {
             QJsonArray dependencies;
             for (int j = random.bounded(3); j > 0; --j)
-                dependencies.append(
-                    TestFiles::dependency(QString::number(random.bounded(count + 1)), version()));
-            entries.append(TestFiles::entry(QString::number(random.bounded(count)), version(), dependencies));
+                dependencies.append(TestFiles::dependency(name(count), version()));
+            entries.append(TestFiles::entry(name(count), version(), dependencies));
         }
-        const QByteArray json = TestFiles::config(entries);
+        return TestFiles::config(entries);
+    };
+    int refused = 0;
+    int refusedOfDfm = 0;
+    int toldToBeLoaded = 0;
+    int toldToBeRefused = 0;
+    for (int round = 0; round < 300; ++round) {
+        const QByteArray json = randomSet();
+        const QByteArray dfm = randomSet();
         TestFiles::write(file, json);
         QTPluginsMangerPrivate tables;
         OpenBase().readPluginConfig(tables, file);
 
         Report report;
-        const Configuration configuration = *parseConfiguration(file, Set::Cam, json, report);
-        const DependencyResults results = checkDependencies(configuration);
-        for (int i = 0; i < configuration.entries.size(); ++i) {
-            if (!configuration.counts(i))
-                continue;
-            refused += results.sound.at(i) ? 0 : 1;
-            if (results.sound.at(i) != tables.check(configuration.entries.at(i).name))
-                QFAIL(json + configuration.entries.at(i).name.toUtf8());
+        const QVector<Configuration> configurations{*parseConfiguration("cam.json", Set::Cam, json, report),
+                                                    *parseConfiguration("dfm.json", Set::Dfm, dfm, report)};
+        const DependencyResults results = checkDependencies(configurations.first());
+        for (int i = 0; i < configurations.first().entries.size(); ++i) {
+            if (configurations.first().counts(i)
+                && results.sound.at(i) != tables.check(configurations.first().entries.at(i).name))
+                QFAIL(json + configurations.first().entries.at(i).name.toUtf8());
+        }
+
+        // What is told of each plug-in that one of the managers' operations loads.
+        checkConfigurations(configurations, report);
+        for (const Configuration &configuration : configurations) {
+            for (const Entry &entry : configuration.entries) {
+                const bool isReported = std::any_of(
+                    report.findings().begin(), report.findings().end(), [&](const Finding &finding) {
+                        return finding.code == Code::PluginRefused
+                               && finding.configuration == configuration.file && finding.plugin == entry.name;
+                    });
+                if (isReported == tables.check(entry.name + ".dll"))
+                    QFAIL(json + dfm + entry.name.toUtf8());
+                refused += isReported && configuration.set == Set::Cam ? 1 : 0;
+                refusedOfDfm += isReported && configuration.set == Set::Dfm ? 1 : 0;
+            }
+        }
+        for (const Finding &finding : report.findings()) {
+            static const QRegularExpression refusal("^The manager refuses to load \"([^\"]*)\"");
+            const QRegularExpressionMatch match = refusal.match(finding.consequence);
+            const bool isLoaded =
+                finding.consequence.startsWith("The manager loads the plug-in all the same");
+            toldToBeLoaded += isLoaded ? 1 : 0;
+            toldToBeRefused += match.hasMatch() ? 1 : 0;
+            if ((isLoaded && !tables.check(finding.plugin + ".dll"))
+                || (match.hasMatch() && tables.check(match.captured(1) + ".dll"))
+                || (finding.consequence.startsWith("The manager does not load the plug-in, but")
+                    && tables.check(finding.plugin + ".dll")))
+                QFAIL(json + dfm + finding.plugin.toUtf8() + finding.consequence.toUtf8());
         }
     }
-    QVERIFY(refused > 100);
+    QVERIFY(refused > 50);
+    QVERIFY(refusedOfDfm > 50);
+    QVERIFY(toldToBeLoaded > 100);
+    QVERIFY(toldToBeRefused > 100);
 }
 
 void tst_CheckConfiguration::manyEntriesTakeShort_data()

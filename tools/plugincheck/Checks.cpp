@@ -82,6 +82,12 @@ constexpr std::array checks{
         "The CAM manager checks dependencies by the CAM file alone. Those in the DFM file are never looked "
         "at, so nobody will report this one. A dependency on a plug-in of the CAM set counts as met when the "
         "CAM file is checked in the same call."},
+    Check{Code::PluginRefused, "plugin-refused", error, "The manager refuses to load the plug-in",
+          "The manager looks the dependencies of \"X\" up under the name of its file, \"X.dll\", for "
+          "plug-ins of the "
+          "CAM and the DFM set in the CAM file. Where that has an entry \"X.dll\" whose dependencies are not "
+          "met, "
+          "there or further down, the library of \"X\" is not loaded."},
     Check{Code::LibraryMissing, "library-missing", error, "The library is in none of the folders",
           "The manager logs that the load failed, shows a message box, and goes on. Operations that need the "
           "library return null."},

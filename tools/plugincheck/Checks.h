@@ -28,6 +28,7 @@ enum class Code {
     DependencySelf,
     DependencyCycle,
     DependencyIgnored,
+    PluginRefused,
     LibraryMissing,
     LibraryCase,
     LibraryUnreadable,

@@ -4,9 +4,11 @@
 #include "Names.h"
 #include "SchemaCheck.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QSet>
 
 #include <algorithm>
+#include <vector>
 
 namespace PluginCheck {
 
@@ -44,20 +46,53 @@ QString written(const QVariant &value)
                                                   : textOf(value);
 }
 
+/// A configuration file and what the dependency check finds in it.
+struct CheckedConfiguration
+{
+    const Configuration &file;
+    DependencyResults dependencies;
+};
+
+/// The file by which the manager checks the plug-ins of another one when it loads them. Null where that is
+/// none of the call's.
+const CheckedConfiguration *tablesFor(const CheckedConfiguration &checked,
+                                      const std::vector<CheckedConfiguration> &all)
+{
+    if (checked.file.set != Set::Dfm)
+        return &checked;
+    // Of several the one in the same folder is of the same host.
+    const QString folder = QFileInfo(checked.file.file).path();
+    const CheckedConfiguration *found = nullptr;
+    for (const CheckedConfiguration &candidate : all) {
+        if (candidate.file.set != Set::Cam)
+            continue;
+        if (QFileInfo(candidate.file.file).path() == folder)
+            return &candidate;
+        if (!found)
+            found = &candidate;
+    }
+    return found;
+}
+
 /// The checks of one configuration file.
 class ConfigurationCheck
 {
 public:
-    ConfigurationCheck(const Configuration &configuration, const QVector<Configuration> &all, Report &report)
-        : m_configuration(configuration)
-        , m_all(all)
+    ConfigurationCheck(const CheckedConfiguration &checked, const std::vector<CheckedConfiguration> &all,
+                       Report &report)
+        : m_configuration(checked.file)
+        , m_dependencies(checked.dependencies)
+        , m_tables(tablesFor(checked, all))
         , m_report(report)
     {
+        listPluginsCheckedHere(checked, all);
     }
 
     void run();
 
 private:
+    void listPluginsCheckedHere(const CheckedConfiguration &checked,
+                                const std::vector<CheckedConfiguration> &all);
     void checkList();
     void checkDuplicateKeys();
     void checkSchema();
@@ -65,21 +100,26 @@ private:
     void checkName(const Entry &entry);
     void checkRequest(const Entry &entry);
     void checkVersion(const Entry &entry);
+    void checkRefusal(const Entry &entry);
     void checkDependency(int index, int number, DependencyState state);
-    void checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what);
+    void checkIgnored(int index, const Dependency &dependency, const QString &what);
     void addCycles();
     void addReport();
     bool isMetByCamSet(const Dependency &dependency) const;
-    QString consequenceOf(const Entry &entry) const;
+    QString consequenceOf(int index) const;
+    bool isRefused(const QString &plugin) const;
     void add(Code code, const QString &plugin, Place place, const QString &message,
              const QString &consequence, const QString &advice);
     QString entryText(int index) const;
 
     const Configuration &m_configuration;
-    const QVector<Configuration> &m_all;
+    const DependencyResults &m_dependencies;
+    const CheckedConfiguration *const m_tables;
     Report &m_report;
     QSet<QPair<int, int>> m_explained; // Places that a finding of its own tells more about than the schema.
-    DependencyResults m_dependencies;
+    QStringList m_pluginsCheckedHere;  // First those of this file, then those of the DFM file.
+    int m_ownPlugins = 0;
+    QVector<int> m_refusedWith; // For each entry one of these, or -1.
     std::optional<NearNames> m_nearRequests;
     int m_searches = 0;
 };
@@ -88,7 +128,6 @@ void ConfigurationCheck::run()
 {
     checkList();
     checkDuplicateKeys();
-    m_dependencies = checkDependencies(m_configuration);
     for (int i = 0; i < m_configuration.entries.size(); ++i)
         checkEntry(i);
     addCycles();
@@ -102,6 +141,25 @@ void ConfigurationCheck::add(Code code, const QString &plugin, Place place, cons
     m_explained.insert({place.line, place.column});
     m_report.add(
         {code, m_configuration.file, plugin, m_configuration.file, place, message, consequence, advice});
+}
+
+void ConfigurationCheck::listPluginsCheckedHere(const CheckedConfiguration &checked,
+                                                const std::vector<CheckedConfiguration> &all)
+{
+    const auto list = [&](const Configuration &file) {
+        for (int i = 0; i < file.entries.size(); ++i) {
+            if (file.counts(i))
+                m_pluginsCheckedHere.append(file.entries.at(i).name);
+        }
+    };
+    if (m_tables == &checked)
+        list(m_configuration);
+    m_ownPlugins = int(m_pluginsCheckedHere.size());
+    for (const CheckedConfiguration &other : all) {
+        if (&other != &checked && tablesFor(other, all) == &checked)
+            list(other.file);
+    }
+    m_refusedWith = refusedWithEntries(m_pluginsCheckedHere, m_configuration, m_dependencies);
 }
 
 void ConfigurationCheck::checkList()
@@ -185,8 +243,9 @@ void ConfigurationCheck::checkEntry(int index)
     }
     checkName(entry);
     checkVersion(entry);
+    checkRefusal(entry);
     for (int i = 0; i < entry.dependencies.size(); ++i)
-        checkDependency(index, i, m_dependencies.states.at(index).at(i));
+        checkDependency(index, i, m_dependencies.dependencies.at(index).at(i).state);
 }
 
 void ConfigurationCheck::checkName(const Entry &entry)
@@ -267,32 +326,74 @@ void ConfigurationCheck::checkVersion(const Entry &entry)
         QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(entry.version))));
 }
 
-/// What the manager does about dependencies that are not met, told for the entry that they stand in.
-QString ConfigurationCheck::consequenceOf(const Entry &entry) const
+bool ConfigurationCheck::isRefused(const QString &plugin) const
 {
-    if (m_configuration.set == Set::Dfm)
+    return m_tables && PluginCheck::isRefused(plugin, m_tables->file, m_tables->dependencies);
+}
+
+void ConfigurationCheck::checkRefusal(const Entry &entry)
+{
+    if (!isRefused(entry.name))
+        return;
+    const QString name = shown(entry.name);
+    const Place place = m_tables->file.entries.at(entryChecked(m_tables->file, entry.name)).places.entry;
+    const QString file =
+        m_configuration.set == Set::Dfm
+            ? QStringLiteral("%1, line %2").arg(m_tables->file.file, QString::number(place.line))
+            : QStringLiteral("line %1").arg(place.line);
+    add(Code::PluginRefused, entry.name, entry.places.name,
+        QStringLiteral("\"%1\" is not loaded: the dependencies of \"%1.dll\" (%2) are not met.")
+            .arg(name, file),
+        QStringLiteral(
+            "The manager looks the plug-in's dependencies up under \"%1.dll\", logs that they do not "
+            "hold, and passes the library over.")
+            .arg(name),
+        QStringLiteral("Take the entry \"%1.dll\" out, or have its dependencies met.").arg(name));
+}
+
+/// What the manager does about dependencies that are not met, told for the entry that they stand in.
+QString ConfigurationCheck::consequenceOf(int index) const
+{
+    const QString &name = m_configuration.entries.at(index).name;
+    const QString loads = QStringLiteral("The manager loads the plug-in all the same: ");
+    if (m_configuration.set == Set::Dfm) {
+        if (!m_tables)
+            return QStringLiteral("The manager never looks at the dependencies in a DFM file.");
+        return isRefused(name)
+                   ? QStringLiteral(
+                         "The manager does not load the plug-in, but for those of \"%1.dll\" in the CAM "
+                         "file: it never looks at the dependencies in a DFM file.")
+                         .arg(shown(name))
+                   : loads + QStringLiteral("it never looks at the dependencies in a DFM file.");
+    }
+    const int refused = m_refusedWith.at(index);
+    if (refused >= 0) {
+        const QString plugin = m_pluginsCheckedHere.at(refused);
         return QStringLiteral(
-            "The manager loads the plug-in all the same: it never looks at the dependencies in "
-            "a DFM file.");
-    const QString checked =
-        entry.name.endsWith(QLatin1String(".dll")) ? entry.name.chopped(int(qstrlen(".dll"))) : QString();
-    if (!checked.isEmpty() && m_configuration.entryOfName.contains(checked))
+                   "The manager refuses to load \"%1\"%2: it looks dependencies up under the file name "
+                   "\"%1.dll\", which %3.")
+            .arg(shown(plugin), refused < m_ownPlugins ? QString() : QStringLiteral(" of the DFM set"),
+                 entryChecked(m_configuration, plugin) == index ? QStringLiteral("is this entry")
+                                                                : QStringLiteral("leads to this entry"));
+    }
+    if (isRefused(name))
         return QStringLiteral(
-                   "The manager refuses to load \"%1\": it looks dependencies up under the file name "
-                   "\"%2\", which is this entry.")
-            .arg(shown(checked), shown(entry.name));
-    return QStringLiteral(
-               "The manager loads the plug-in all the same: it looks dependencies up under \"%1.dll\", "
-               "and the list has \"%1\".")
-        .arg(shown(entry.name));
+                   "The manager does not load the plug-in, but for those of \"%1.dll\": that is where it "
+                   "looks dependencies up.")
+            .arg(shown(name));
+    if (entryChecked(m_configuration, name) >= 0)
+        return loads
+               + QStringLiteral("it looks dependencies up under \"%1.dll\", which is an entry of its own.")
+                     .arg(shown(name));
+    return loads
+           + QStringLiteral("it looks dependencies up under \"%1.dll\", and the list has \"%1\".")
+                 .arg(shown(name));
 }
 
 bool ConfigurationCheck::isMetByCamSet(const Dependency &dependency) const
 {
-    return std::any_of(m_all.begin(), m_all.end(), [&](const Configuration &configuration) {
-        const int entry = configuration.set == Set::Cam ? entryNamed(configuration, dependency.name) : -1;
-        return entry >= 0 && configuration.entries.at(entry).version == dependency.version;
-    });
+    const int entry = m_tables ? entryNamed(m_tables->file, dependency.name) : -1;
+    return entry >= 0 && m_tables->file.entries.at(entry).version == dependency.version;
 }
 
 void ConfigurationCheck::checkDependency(int index, int number, DependencyState state)
@@ -316,7 +417,7 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
         const QString what = QStringLiteral("\"%1\" needs \"%2\" %3, which the list does not have.")
                                  .arg(shown(entry.name), name, written(dependency.version));
         if (m_configuration.set == Set::Dfm) {
-            checkIgnored(entry, dependency, what);
+            checkIgnored(index, dependency, what);
             return;
         }
         QStringList near;
@@ -327,7 +428,7 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
                 names.append(other.name);
             near = NearNames(names).of(textOf(dependency.name), 2);
         }
-        add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(entry),
+        add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(index),
             near.isEmpty() ? QStringLiteral("List \"%1\", or take the dependency out.").arg(name)
                            : didYouMean(near));
     } else if (state == DependencyState::Version) {
@@ -337,25 +438,26 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
                 .arg(shown(entry.name), name, written(dependency.version), written(needed.version))
                 .arg(needed.places.version.line);
         if (m_configuration.set == Set::Dfm) {
-            checkIgnored(entry, dependency, what);
+            checkIgnored(index, dependency, what);
             return;
         }
-        add(Code::DependencyVersion, entry.name, dependency.places.version, what, consequenceOf(entry),
+        add(Code::DependencyVersion, entry.name, dependency.places.version, what, consequenceOf(index),
             QStringLiteral(
                 "Ship the version that is needed, or correct the version here: only an equal one is "
                 "right, \"1.0\" is not \"1.00\"."));
     } else if (state == DependencyState::Self) {
         add(Code::DependencySelf, entry.name, dependency.places.name,
-            QStringLiteral("\"%1\" depends on itself.").arg(shown(entry.name)), consequenceOf(entry),
+            QStringLiteral("\"%1\" depends on itself.").arg(shown(entry.name)), consequenceOf(index),
             QStringLiteral("Take the dependency out."));
     }
 }
 
-void ConfigurationCheck::checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what)
+void ConfigurationCheck::checkIgnored(int index, const Dependency &dependency, const QString &what)
 {
+    const Entry &entry = m_configuration.entries.at(index);
     if (isMetByCamSet(dependency))
         return;
-    add(Code::DependencyIgnored, entry.name, dependency.places.name, what, consequenceOf(entry),
+    add(Code::DependencyIgnored, entry.name, dependency.places.name, what, consequenceOf(index),
         QStringLiteral(
             "Correct it, for those who read it. If it is a plug-in of the CAM set, name the CAM file in "
             "the same call."));
@@ -375,7 +477,7 @@ void ConfigurationCheck::addCycles()
         add(Code::DependencyCycle, first.name, closing->places.name,
             QStringLiteral("The dependencies form a circle: %1.")
                 .arg(shortened(names, QStringLiteral(" -> "))),
-            consequenceOf(first), QStringLiteral("Take one of these dependencies out."));
+            consequenceOf(cycle.first()), QStringLiteral("Take one of these dependencies out."));
     }
 }
 
@@ -405,7 +507,7 @@ void ConfigurationCheck::addReport()
                             entry.places.entry.line};
         for (int j = 0; j < entry.dependencies.size(); ++j) {
             const Dependency &dependency = entry.dependencies.at(j);
-            const DependencyState state = m_dependencies.states.at(i).at(j);
+            const DependencyState state = m_dependencies.dependencies.at(i).at(j).state;
             const bool ignored = m_configuration.set == Set::Dfm;
             const char *text = "met";
             if (state == DependencyState::Missing)
@@ -431,8 +533,12 @@ void ConfigurationCheck::addReport()
 
 void checkConfigurations(const QVector<Configuration> &configurations, Report &report)
 {
+    std::vector<CheckedConfiguration> all;
+    all.reserve(std::size_t(configurations.size()));
     for (const Configuration &configuration : configurations)
-        ConfigurationCheck(configuration, configurations, report).run();
+        all.push_back({configuration, checkDependencies(configuration)});
+    for (const CheckedConfiguration &checked : all)
+        ConfigurationCheck(checked, all, report).run();
     if (!knowsSchema())
         report.leaveOut(
             QStringLiteral("Configuration files were not compared with their schema: this build has no "

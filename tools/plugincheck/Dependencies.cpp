@@ -140,7 +140,7 @@ int entryNamed(const Configuration &configuration, const QVariant &name)
 DependencyResults checkDependencies(const Configuration &configuration)
 {
     const int count = int(configuration.entries.size());
-    DependencyResults results{QVector<QVector<DependencyState>>(count), QVector<bool>(count, true), {}};
+    DependencyResults results{QVector<QVector<DependencyResult>>(count), QVector<bool>(count, true), {}};
     QVector<QVector<int>> edges(count);
     for (int i = 0; i < count; ++i) {
         if (!configuration.counts(i))
@@ -156,7 +156,7 @@ DependencyResults checkDependencies(const Configuration &configuration)
                 edges[i].append(needed);
             if (needed == i && state == DependencyState::Met)
                 state = DependencyState::Self;
-            results.states[i].append(state);
+            results.dependencies[i].append({state, needed});
             results.sound[i] = results.sound.at(i) && state == DependencyState::Met;
         }
     }
@@ -167,12 +167,9 @@ DependencyResults checkDependencies(const Configuration &configuration)
         if (groups.size(i) == 1)
             continue;
         results.sound[i] = false;
-        const QVector<Dependency> &dependencies = configuration.entries.at(i).dependencies;
-        for (int j = 0; j < dependencies.size(); ++j) {
-            DependencyState &state = results.states[i][j];
-            const int needed = entryNamed(configuration, dependencies.at(j).name);
-            if (state == DependencyState::Met && groups.groupOf(needed) == groups.groupOf(i))
-                state = DependencyState::Cycle;
+        for (DependencyResult &result : results.dependencies[i]) {
+            if (result.state == DependencyState::Met && groups.groupOf(result.needed) == groups.groupOf(i))
+                result.state = DependencyState::Cycle;
         }
         if (!shown.at(groups.groupOf(i))) {
             shown[groups.groupOf(i)] = true;
@@ -181,6 +178,44 @@ DependencyResults checkDependencies(const Configuration &configuration)
     }
     spread(results.sound, edges);
     return results;
+}
+
+int entryChecked(const Configuration &configuration, const QString &plugin)
+{
+    return configuration.entryOfName.value(plugin + QLatin1String(".dll"), -1);
+}
+
+bool isRefused(const QString &plugin, const Configuration &configuration, const DependencyResults &results)
+{
+    const int entry = entryChecked(configuration, plugin);
+    return entry >= 0 && !results.sound.at(entry);
+}
+
+QVector<int> refusedWithEntries(const QStringList &plugins, const Configuration &configuration,
+                                const DependencyResults &results)
+{
+    QVector<int> refused(configuration.entries.size(), -1);
+    QVector<int> reached;
+    for (int i = 0; i < plugins.size(); ++i) {
+        const int entry = entryChecked(configuration, plugins.at(i));
+        if (entry < 0 || results.sound.at(entry) || refused.at(entry) >= 0)
+            continue;
+        refused[entry] = i;
+        reached.append(entry);
+    }
+    for (int i = 0; i < reached.size(); ++i) {
+        const int entry = reached.at(i);
+        for (const DependencyResult &result : results.dependencies.at(entry)) {
+            // At any other the manager goes no further.
+            const bool isWalked =
+                result.state == DependencyState::Met || result.state == DependencyState::Cycle;
+            if (!isWalked || results.sound.at(result.needed) || refused.at(result.needed) >= 0)
+                continue;
+            refused[result.needed] = refused.at(entry);
+            reached.append(result.needed);
+        }
+    }
+    return refused;
 }
 
 }
