@@ -92,7 +92,20 @@ void tst_CheckConfiguration::findsFault_data()
     QTest::newRow("list is empty") << QByteArray("{\"pluginList\": []}") << Set::Cam
                                    << QStringList{"config-list 1:16"};
     cam("unknown key", R"({"name": "Matrix", "version": "1", "dependancies": []})",
-        {"config-schema 2:1 Matrix"});
+        {"config-schema 2:36 Matrix"});
+    cam("several mistakes in one entry",
+        R"({"name": "Matrix", "verion": "1", "dependancies": [], "dependencies": 1, "x": 1})",
+        {"config-schema 2:71 Matrix", "config-schema 2:20 Matrix", "config-schema 2:35 Matrix",
+         "config-schema 2:74 Matrix", "config-schema 2:1 Matrix"});
+    cam("several mistakes in an entry without a name", R"({"verion": "1", "x": 1})",
+        {"name-empty 2:1", "config-schema 2:2", "config-schema 2:17", "config-schema 2:1"});
+    cam("unknown keys of a dependency",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Graphic_View", "version": "1", "x": 1,
+        "name ": 2}]}, {"name": "Graphic_View", "version": "1"})",
+        {"config-schema 2:94 Matrix", "config-schema 3:9 Matrix"});
+    cam("unknown key in a list that is lost",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"x": 1}], "dependencies": []})",
+        {"duplicate-key 2:64 Matrix"});
     cam("no version", R"({"name": "Matrix"})", {"config-schema 2:1 Matrix"});
     cam("dependency without version",
         R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "X"}]})",

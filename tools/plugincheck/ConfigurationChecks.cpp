@@ -487,12 +487,15 @@ void ConfigurationCheck::checkSchema()
     if (!m_configuration.isObject)
         return;
     for (const SchemaMistake &mistake : schemaMistakes(m_configuration)) {
-        if (m_explained.contains({mistake.place.line, mistake.place.column}))
+        // What is said of the name of an entry without one stands at the entry, too.
+        const bool isOfVersion = mistake.missingKey == QLatin1String("version");
+        if (!isOfVersion && m_explained.contains({mistake.place.line, mistake.place.column}))
             continue;
         const QString plugin =
             mistake.entry >= 0 ? m_configuration.entries.at(mistake.entry).name : QString();
-        add(Code::ConfigSchema, plugin, mistake.place, mistake.message, mistake.consequence,
-            QStringLiteral("Correct it; docs/configuration.md has the format."));
+        m_report.add({Code::ConfigSchema, m_configuration.file, plugin, m_configuration.file, mistake.place,
+                      mistake.message, mistake.consequence,
+                      QStringLiteral("Correct it; docs/configuration.md has the format.")});
     }
 }
 
