@@ -10,6 +10,7 @@ using namespace PluginCheck;
 
 constexpr Severity error = Severity::Error;
 constexpr Severity warning = Severity::Warning;
+constexpr Severity note = Severity::Note;
 
 constexpr std::array checks{
     Check{Code::ConfigUnreadable, "config-unreadable", error, "The configuration file cannot be read",
@@ -21,10 +22,13 @@ constexpr std::array checks{
         "the set. Frequent mistakes are a comma after the last entry, a missing comma between two, a "
         "comment, "
         "and a file saved as UTF-16."},
-    Check{
-        Code::ConfigList, "config-list", error, "The file has no list of plug-ins",
-        "The manager looks in the root object for an array \"pluginList\", spelled like this. Without it, or "
-        "when it is empty, nothing is loaded, and nothing is logged either."},
+    Check{Code::ConfigList, "config-list", error, "The file has no list of plug-ins",
+          "The manager looks in the root object for an array \"pluginList\", spelled like this. Without it "
+          "nothing is loaded, and nothing is logged either."},
+    Check{Code::ConfigEmpty, "config-empty", note, "The list of plug-ins is empty",
+          "The manager loads nothing of this set, and logs nothing about it. That is how a set without "
+          "plug-ins is "
+          "written, so it is only a note."},
     Check{Code::ConfigSchema, "config-schema", warning, "The file breaks its schema",
           "The JSON is not built as pluginconfig.schema.json says. The manager passes over what it does not "
           "know, for example a misspelled \"dependancies\", and takes a wrong type for an empty value."},

@@ -13,6 +13,7 @@ enum class Code {
     ConfigUnreadable,
     ConfigSyntax,
     ConfigList,
+    ConfigEmpty,
     ConfigSchema,
     DuplicateKey,
     DuplicateName,

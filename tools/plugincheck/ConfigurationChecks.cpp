@@ -191,9 +191,9 @@ void ConfigurationCheck::checkList()
         add(Code::ConfigList, {}, m_configuration.places.list, QStringLiteral("\"pluginList\" is no array."),
             consequence, advice);
     } else if (m_configuration.entries.isEmpty()) {
-        add(Code::ConfigList, {}, m_configuration.places.list,
+        add(Code::ConfigEmpty, {}, m_configuration.places.list,
             QStringLiteral("\"pluginList\" lists no plug-in."), consequence,
-            QStringLiteral("List the set's plug-ins, or leave this file out of what you ship."));
+            QStringLiteral("Nothing, if the set is to be empty; otherwise list its plug-ins."));
     }
 }
 
