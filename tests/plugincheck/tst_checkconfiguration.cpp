@@ -61,6 +61,8 @@ private slots:
     void tellsWhatTheManagerDoes_data();
     void tellsWhatTheManagerDoes();
     void syntaxErrorShowsItsLine();
+    void syntaxErrorHasItsPlaceAndAdvice_data();
+    void syntaxErrorHasItsPlaceAndAdvice();
     void cycleHasItsWholeWay();
     void dfmDependencyOnTheCamSetIsMet();
     void reportsWhatIsRefused_data();
@@ -81,9 +83,9 @@ void tst_CheckConfiguration::findsFault_data()
         QTest::newRow(name) << list(entries) << Set::Cam << expected;
     };
     QTest::newRow("not JSON") << list(R"({"name": "Matrix", "version": "1"},)") << Set::Cam
-                              << QStringList{"config-syntax 3:2"};
+                              << QStringList{"config-syntax 2:35"};
     QTest::newRow("empty file") << QByteArray() << Set::Cam << QStringList{"config-syntax 1:1"};
-    QTest::newRow("UTF-16") << QByteArray("{\0}\0", 4) << Set::Cam << QStringList{"config-syntax 1:3"};
+    QTest::newRow("UTF-16") << QByteArray("{\0}\0", 4) << Set::Cam << QStringList{"config-syntax 1:2"};
     QTest::newRow("an array as root") << QByteArray("[]") << Set::Cam << QStringList{"config-list 1:1"};
     QTest::newRow("list misspelled") << QByteArray("{\"pluginlist\": []}") << Set::Cam
                                      << QStringList{"config-list 1:1"};
@@ -272,6 +274,52 @@ void tst_CheckConfiguration::syntaxErrorShowsItsLine()
     QCOMPARE(report.findings().first().source, QStringLiteral(" \"pluginList\": [ 'x' ]"));
     QCOMPARE(report.findings().first().sourceColumn, 18);
     QCOMPARE(report.findings().first().advice, QStringLiteral("Texts stand in double quotes."));
+}
+
+void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("advice");
+    const auto row = [](const char *json, const char *place, const char *advice) {
+        QTest::newRow(json) << QByteArray(json) << QString(place) << QString(advice);
+    };
+    row(R"({"pluginList":[{"name":"G","version":"1",}]})", "1:41", "Take this comma out");
+    row("{\"pluginList\": [{\"name\": \"G\"},\n  ]  }", "1:30", "Take this comma out");
+    row("[1,,2]", "1:4", "Take this comma out, or write what should stand before it.");
+    row("[,1]", "1:2", "Take this comma out, or write what should stand before it.");
+    row("{\"a\": 1,, \"b\": 2}", "1:9", "Take this comma out, or write what should stand before it.");
+    row(R"({"pluginList":[{"name":"G"}{"name":"H"}]})", "1:28", "Write a comma before this place");
+    row("[\"a\"  \"b\"]", "1:7", "Write a comma before this place");
+    row(R"({"pluginList":[{"name":"G" "version":"1"}]})", "1:28", "Write a comma before this place");
+    row("{\"pluginList\": [\n", "2:1", "The file ends too early.");
+    row("{\"pluginList\": [{\"name\": \"G\"}", "1:30", "The file ends too early.");
+    row("{\"pluginList\": [],", "1:19", "The file ends too early.");
+    row("{\"a\":", "1:6", "The file ends too early.");
+    row(R"({"pluginList" []})", "1:15", "Write a colon");
+    row(R"({"pluginList": [{"name": "G}]})", "1:26", "The text that begins here has no end.");
+    row("{ // all\n}", "1:3", "JSON has no comments.");
+    row("[1, /* two */ 3]", "1:5", "JSON has no comments.");
+    row("{'pluginList': []}", "1:2", "Texts stand in double quotes.");
+    row(R"({"pluginList": [}})", "1:17", "This closes something else");
+    row(R"({"pluginList": []}})", "1:19", "The file goes on behind its end.");
+    row("{pluginList: []}", "1:2", "Write a key in double quotes");
+    row("[yes]", "1:2", "Look at this place");
+    row(R"({"a":})", "1:6", "Look at this place");
+    row("\xef\xbb\xbf[1,]", "1:3", "Take this comma out");
+    row(" \n", "2:1", "The file is empty.");
+    row("[\"\xff\"]", "1:3", "Save the file as UTF-8");
+}
+
+void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QString, place);
+    QFETCH(QString, advice);
+    const Report report = check(json, Set::Cam);
+    QCOMPARE(found(report), QStringList{"config-syntax " + place});
+    QVERIFY2(report.findings().first().advice.startsWith(advice),
+             qPrintable(report.findings().first().advice));
 }
 
 void tst_CheckConfiguration::cycleHasItsWholeWay()
