@@ -72,6 +72,7 @@ private slots:
     void manyEntriesTakeShort();
     void deepNestingIsRefused();
     void moreFindingsThanListedAreCounted();
+    void statesComeFromAllFindings();
 };
 
 void tst_CheckConfiguration::findsFault_data()
@@ -527,6 +528,20 @@ void tst_CheckConfiguration::moreFindingsThanListedAreCounted()
     QCOMPARE(report.leftOut(),
              QStringList{"set.json: 5 findings of name-empty beyond the first 1000 are counted, "
                          "but not listed"});
+}
+
+void tst_CheckConfiguration::statesComeFromAllFindings()
+{
+    QJsonArray entries;
+    for (int i = 0; i < Report::mostOfOneKind + 5; ++i)
+        entries.append(
+            TestFiles::entry("Plugin" + QString::number(i), "1", {TestFiles::dependency("Absent", "1")}));
+    entries.append(TestFiles::entry("Sound", "1"));
+    const QJsonObject json = check(TestFiles::config(entries), Set::Cam).toJson();
+    const QJsonArray plugins = json["configurations"].toArray().first().toObject()["plugins"].toArray();
+    for (int i = 0; i < Report::mostOfOneKind + 5; ++i)
+        QCOMPARE(plugins.at(i).toObject()["state"].toString(), QString("error"));
+    QCOMPARE(plugins.last().toObject()["state"].toString(), QString("good"));
 }
 
 int main(int argc, char **argv)
