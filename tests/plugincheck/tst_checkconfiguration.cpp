@@ -64,6 +64,9 @@ private slots:
     void syntaxErrorHasItsPlaceAndAdvice_data();
     void syntaxErrorHasItsPlaceAndAdvice();
     void cycleHasItsWholeWay();
+    void everyDependencyInACircleIsTold_data();
+    void everyDependencyInACircleIsTold();
+    void manyCirclesAreNotAllTold();
     void dfmDependencyOnTheCamSetIsMet();
     void reportsWhatIsRefused_data();
     void reportsWhatIsRefused();
@@ -336,6 +339,61 @@ void tst_CheckConfiguration::cycleHasItsWholeWay()
     QCOMPARE(report.configurations.first().cycles, (QVector<QStringList>{{"A", "B", "C", "A"}}));
     QCOMPARE(QByteArray(report.configurations.first().plugins.last().dependencies.first().state),
              QByteArray("met"));
+}
+
+/// Where everything needs everything, looking for all circles would not end.
+void tst_CheckConfiguration::manyCirclesAreNotAllTold()
+{
+    constexpr int count = 200;
+    QJsonArray dependencies;
+    for (int i = 0; i < count; ++i)
+        dependencies.append(TestFiles::dependency(QString::number(i), "1"));
+    QJsonArray entries;
+    for (int i = 0; i < count; ++i)
+        entries.append(TestFiles::entry(QString::number(i), "1", dependencies));
+    const Report report = check(TestFiles::config(entries), Set::Cam);
+    QCOMPARE(report.configurations.first().cycles.size(), 101);
+    QCOMPARE(report.leftOut(), QStringList{"set.json: of many circles of dependencies not all are told"});
+}
+
+void tst_CheckConfiguration::everyDependencyInACircleIsTold_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QVector<QStringList>>("cycles");
+    QTest::addColumn<QStringList>("expected");
+    const auto needs = [](const char *name, const QVector<QPair<const char *, const char *>> &others) {
+        QJsonArray dependencies;
+        for (const auto &other : others)
+            dependencies.append(TestFiles::dependency(other.first, other.second));
+        return TestFiles::entry(name, "1", dependencies);
+    };
+    QTest::newRow("circles that share plug-ins")
+        << TestFiles::config({needs("A", {{"B", "1"}, {"C", "1"}}), needs("B", {{"A", "1"}, {"C", "1"}}),
+                              needs("C", {{"A", "1"}})})
+        << QVector<QStringList>{{"A", "B", "A"}, {"A", "C", "A"}, {"B", "C", "A", "B"}}
+        << QStringList{"dependency-cycle A", "dependency-cycle A", "dependency-cycle B"};
+    QTest::newRow("with a wrong version")
+        << TestFiles::config({needs("A", {{"B", "2"}}), needs("B", {{"A", "1"}})})
+        << QVector<QStringList>{{"A", "B", "A"}} << QStringList{"dependency-version A", "dependency-cycle A"};
+    QTest::newRow("on itself in another version")
+        << TestFiles::config({needs("A", {{"A", "2"}})}) << QVector<QStringList>()
+        << QStringList{"dependency-self A"};
+}
+
+void tst_CheckConfiguration::everyDependencyInACircleIsTold()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QVector<QStringList>, cycles);
+    QFETCH(QStringList, expected);
+    const Report report = check(json, Set::Cam);
+    QCOMPARE(report.configurations.first().cycles, cycles);
+    QStringList told;
+    for (const Finding &finding : report.findings())
+        told.append(QLatin1String(checkOf(finding.code).name) + ' ' + finding.plugin);
+    QCOMPARE(told, expected);
+    const QJsonObject written = report.toJson()["configurations"].toArray().first().toObject();
+    for (const QJsonValue &plugin : written["plugins"].toArray())
+        QCOMPARE(plugin["state"].toString(), QString("error"));
 }
 
 void tst_CheckConfiguration::dfmDependencyOnTheCamSetIsMet()

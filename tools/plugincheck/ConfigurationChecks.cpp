@@ -479,6 +479,9 @@ void ConfigurationCheck::addCycles()
                 .arg(shortened(names, QStringLiteral(" -> "))),
             consequenceOf(cycle.first()), QStringLiteral("Take one of these dependencies out."));
     }
+    if (m_dependencies.hasMoreCycles)
+        m_report.leaveOut(
+            QStringLiteral("%1: of many circles of dependencies not all are told").arg(m_configuration.file));
 }
 
 /// What the schema finds, where no other finding has said it already.

@@ -21,8 +21,11 @@ struct DependencyResults
     QVector<QVector<DependencyResult>> dependencies;
     /// Whether the manager's check passes under an entry's name.
     QVector<bool> sound;
-    /// One circle for each group of plug-ins that depend on each other; first and last are the same.
+    /// Circles of plug-ins that depend on each other, in whatever version; first and last are the same. Each
+    /// group of them has one at least, and each dependency in it is in one, as long as there are not too
+    /// many.
     QVector<QVector<int>> cycles;
+    bool hasMoreCycles = false;
 };
 
 /// Does what QTPluginsMangerPrivate::check() does, for all entries at once and in linear time.

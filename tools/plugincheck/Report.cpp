@@ -95,6 +95,12 @@ void Report::finish()
 
 QString Report::stateOf(const QString &configuration, const PluginReport &plugin) const
 {
+    // A circle is told once, of the plug-in where it begins.
+    const auto isInCycle = [](const DependencyReport &dependency) {
+        return qstrcmp(dependency.state, "cycle") == 0;
+    };
+    if (std::any_of(plugin.dependencies.begin(), plugin.dependencies.end(), isInCycle))
+        return nameOf(checkOf(Code::DependencyCycle).severity);
     const auto worst = m_worst.constFind({configuration, plugin.name});
     return worst == m_worst.constEnd() ? QStringLiteral("good") : nameOf(*worst);
 }
