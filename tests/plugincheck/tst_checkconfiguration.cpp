@@ -1,5 +1,6 @@
 #include "ConfigurationChecks.h"
 #include "Dependencies.h"
+#include "Names.h"
 #include "debuglines.h"
 #include "openbase.h"
 #include "testfiles.h"
@@ -71,6 +72,7 @@ private slots:
     void reportsWhatIsRefused_data();
     void reportsWhatIsRefused();
     void agreesWithTheManagersCheck();
+    void findsNamesByTheirDistance();
     void manyEntriesTakeShort_data();
     void manyEntriesTakeShort();
     void deepNestingIsRefused();
@@ -530,6 +532,53 @@ void tst_CheckConfiguration::agreesWithTheManagersCheck()
     QVERIFY(toldToBeRefused > 100);
 }
 
+/// The short way to the distance finds what the whole table of it does.
+void tst_CheckConfiguration::findsNamesByTheirDistance()
+{
+    const auto distance = [](const QString &left, const QString &right) {
+        std::vector<std::vector<int>> table(left.size() + 1, std::vector<int>(right.size() + 1));
+        for (int row = 0; row <= left.size(); ++row) {
+            for (int column = 0; column <= right.size(); ++column) {
+                int &cost = table[row][column];
+                cost = std::max(row, column);
+                if (row == 0 || column == 0)
+                    continue;
+                const bool same = left.at(row - 1) == right.at(column - 1);
+                cost = std::min({table[row - 1][column] + 1, table[row][column - 1] + 1,
+                                 table[row - 1][column - 1] + (same ? 0 : 1)});
+                if (row > 1 && column > 1 && left.at(row - 1) == right.at(column - 2)
+                    && left.at(row - 2) == right.at(column - 1))
+                    cost = std::min(cost, table[row - 2][column - 2] + 1);
+            }
+        }
+        return table[left.size()][right.size()];
+    };
+    QRandomGenerator random(20231122);
+    int near = 0;
+    for (int round = 0; round < 20000; ++round) {
+        QString left;
+        for (int i = random.bounded(4, 16); i > 0; --i)
+            left.append(QChar('a' + random.bounded(3)));
+        QString right = left;
+        for (int i = random.bounded(5); i > 0; --i) {
+            const int place = random.bounded(right.size());
+            const QChar letter('a' + random.bounded(3));
+            if (i % 2)
+                right.insert(place, letter);
+            else
+                right[place] = letter;
+        }
+        if (random.bounded(2))
+            right.remove(random.bounded(right.size()), 1);
+        const int limit = std::min(2, left.size() / 6);
+        const bool isNear = left != right && distance(left, right) <= limit;
+        near += isNear ? 1 : 0;
+        QVERIFY2(NearNames({right}).of(left) == (isNear ? QStringList{right} : QStringList()),
+                 qPrintable(left + ' ' + right));
+    }
+    QVERIFY(near > 1000 && near < 19000);
+}
+
 void tst_CheckConfiguration::manyEntriesTakeShort_data()
 {
     QTest::addColumn<int>("shape");
@@ -537,6 +586,7 @@ void tst_CheckConfiguration::manyEntriesTakeShort_data()
     QTest::newRow("one long circle") << 1;
     QTest::newRow("all dependencies missing") << 2;
     QTest::newRow("all names misspelled") << 3;
+    QTest::newRow("all names and all missing dependencies alike") << 4;
 }
 
 /// Here only that no cost grows with the square of their number; benchmarks measure it.
@@ -544,15 +594,16 @@ void tst_CheckConfiguration::manyEntriesTakeShort()
 {
     QFETCH(int, shape);
     constexpr int count = 5000;
+    const char *const needed[] = {"Plugin", "Plugin", "Absent", "Graphic_Veiw", "Graphic_View"};
     QByteArray json = "{\"pluginList\": [";
     for (int i = 0; i < count; ++i) {
         const int next = shape == 0 && i + 1 == count ? -1 : (i + 1) % count;
         json +=
             QStringLiteral(
                 R"(%1{"name": "%2%3", "version": "1", "dependencies": [{"name": "%4%5", "version": "1"}]})")
-                .arg(i ? "," : "", shape == 3 ? "Graphic_Veiw" : "Plugin")
+                .arg(i ? "," : "", shape >= 3 ? "Graphic_Veiw" : "Plugin")
                 .arg(i)
-                .arg(shape == 2 ? "Absent" : (shape == 3 ? "Graphic_Veiw" : "Plugin"))
+                .arg(needed[shape])
                 .arg(next)
                 .toUtf8();
     }

@@ -101,6 +101,7 @@ private:
     void checkRequest(const Entry &entry);
     void checkVersion(const Entry &entry);
     void checkRefusal(const Entry &entry);
+    QStringList listedLike(const QString &name);
     void checkDependency(int index, int number, DependencyState state);
     void checkIgnored(int index, const Dependency &dependency, const QString &what);
     void addCycles();
@@ -121,7 +122,8 @@ private:
     int m_ownPlugins = 0;
     QVector<int> m_refusedWith; // For each entry one of these, or -1.
     std::optional<NearNames> m_nearRequests;
-    int m_searches = 0;
+    std::optional<NearNames> m_nearListed;
+    qint64 m_comparisons = 0;
 };
 
 void ConfigurationCheck::run()
@@ -396,6 +398,25 @@ bool ConfigurationCheck::isMetByCamSet(const Dependency &dependency) const
     return entry >= 0 && m_tables->file.entries.at(entry).version == dependency.version;
 }
 
+/// Names of the list that a missing one may have been meant for. Looking for them takes a pass over all names
+/// of about its length, so that in a long list only the first are told what they may mean.
+QStringList ConfigurationCheck::listedLike(const QString &name)
+{
+    constexpr qint64 mostComparisons = 2000000;
+    if (m_comparisons > mostComparisons)
+        return {};
+    m_comparisons += m_configuration.entries.size();
+    if (!m_nearListed) {
+        QStringList names;
+        for (int i = 0; i < m_configuration.entries.size(); ++i) {
+            if (m_configuration.counts(i))
+                names.append(m_configuration.entries.at(i).name);
+        }
+        m_nearListed.emplace(names);
+    }
+    return m_nearListed->of(name, 2);
+}
+
 void ConfigurationCheck::checkDependency(int index, int number, DependencyState state)
 {
     const Entry &entry = m_configuration.entries.at(index);
@@ -420,14 +441,7 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
             checkIgnored(index, dependency, what);
             return;
         }
-        QStringList near;
-        constexpr int mostSearches = 100; // Each is a pass over the list.
-        if (m_searches++ < mostSearches) {
-            QStringList names;
-            for (const Entry &other : m_configuration.entries)
-                names.append(other.name);
-            near = NearNames(names).of(textOf(dependency.name), 2);
-        }
+        const QStringList near = listedLike(textOf(dependency.name));
         add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(index),
             near.isEmpty() ? QStringLiteral("List \"%1\", or take the dependency out.").arg(name)
                            : didYouMean(near));
