@@ -64,6 +64,8 @@ private slots:
     void syntaxErrorShowsItsLine();
     void syntaxErrorHasItsPlaceAndAdvice_data();
     void syntaxErrorHasItsPlaceAndAdvice();
+    void textsSayWhatIsThere_data();
+    void textsSayWhatIsThere();
     void cycleHasItsWholeWay();
     void everyDependencyInACircleIsTold_data();
     void everyDependencyInACircleIsTold();
@@ -117,7 +119,20 @@ void tst_CheckConfiguration::findsFault_data()
     cam("no version", R"({"name": "Matrix"})", {"config-schema 2:1 Matrix"});
     cam("dependency without version",
         R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "X"}]})",
-        {"config-schema 2:53 Matrix"});
+        {"dependency-missing 2:62 Matrix", "config-schema 2:53 Matrix"});
+    cam("dependency without version on what is listed",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Graphic_View"}]},
+        {"name": "Graphic_View", "version": "1"})",
+        {"dependency-version 2:53 Matrix", "config-schema 2:53 Matrix"});
+    cam("dependency without name",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"version": "1"}]})",
+        {"dependency-missing 2:53 Matrix"});
+    cam("dependency that is no object", R"({"name": "Matrix", "version": "1", "dependencies": [1]})",
+        {"dependency-missing 2:53 Matrix"});
+    cam("name with a drive", R"({"name": "C:Matrix", "version": "1"})", {"name-path 2:10 C:Matrix"});
+    cam("name of a folder", R"({"name": "..", "version": "1"})", {"name-path 2:10 .."});
+    cam("name like that of a desktop tool", R"({"name": "Toolbar_Select", "version": "1"})",
+        {"name-near-miss 2:10 Toolbar_Select"});
     cam("key twice", R"({"name": "Matrix", "version": "1", "version": "2"})", {"duplicate-key 2:36 Matrix"});
     cam("key twice, once escaped", R"({"name": "Matrix", "version": "1", "\u0076ersion": "2"})",
         {"duplicate-key 2:36 Matrix"});
@@ -326,6 +341,42 @@ void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice()
     QCOMPARE(found(report), QStringList{"config-syntax " + place});
     QVERIFY2(report.findings().first().advice.startsWith(advice),
              qPrintable(report.findings().first().advice));
+}
+
+void tst_CheckConfiguration::textsSayWhatIsThere_data()
+{
+    QTest::addColumn<QByteArray>("dfm");
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("null as version") << list(R"({"name": "X", "version": null})")
+                                     << QStringList{
+                                            "The version of \"X\" is null, which is no text.",
+                                            "Write the version as a text, for example \"version\": \"1.0\"."};
+    QTest::newRow("number as version")
+        << list(R"({"name": "X", "version": 2})")
+        << QStringList{"The version of \"X\" is 2, which is no text.", "Write \"version\": \"2\"."};
+    QTest::newRow("in the CAM file of another version")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "Matrix", "version": "2"}]})")
+        << QStringList{"\"X\" needs \"Matrix\" \"2\", and the CAM file has version \"1\".",
+                       "Correct it, for those who read it."};
+    QTest::newRow("twice in one line")
+        << list(R"({"name": "X", "version": "1"}, {"name": "X", "version": "1"})")
+        << QStringList{"\"X\" is listed again in line 2, column 41.", "Take one of them out."};
+    QTest::newRow("twice in two lines")
+        << list("{\"name\": \"X\", \"version\": \"1\"},\n{\"name\": \"X\", \"version\": \"1\"}")
+        << QStringList{"\"X\" is listed again in line 3.", "Take one of them out."};
+}
+
+void tst_CheckConfiguration::textsSayWhatIsThere()
+{
+    QFETCH(QByteArray, dfm);
+    QFETCH(QStringList, texts);
+    Report report;
+    checkConfigurations(
+        {*parseConfiguration("cam.json", Set::Cam, list(R"({"name": "Matrix", "version": "1"})"), report),
+         *parseConfiguration("dfm.json", Set::Dfm, dfm, report)},
+        report);
+    QCOMPARE(report.findings().size(), 1);
+    QCOMPARE((QStringList{report.findings().first().message, report.findings().first().advice}), texts);
 }
 
 void tst_CheckConfiguration::cycleHasItsWholeWay()

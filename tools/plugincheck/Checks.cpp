@@ -48,7 +48,7 @@ constexpr std::array checks{
         "The manager appends \".dll\" to each name. The name \"X.dll\" stands for a file \"X.dll.dll\". An "
         "entry of that name has another effect, too: its dependencies are those that the manager checks for "
         "the plug-in \"X\"."},
-    Check{Code::NamePath, "name-path", error, "A name has a folder in it",
+    Check{Code::NamePath, "name-path", error, "A name has a folder or a drive in it",
           "Libraries are listed under the name by which they were loaded. Operations ask for a file name "
           "without a folder, so they do not find this one."},
     Check{Code::NameControl, "name-control", error, "A name has characters that no file name has",

@@ -46,6 +46,20 @@ QString written(const QVariant &value)
                                                   : textOf(value);
 }
 
+QString adviceOnVersion(const QVariant &version)
+{
+    if (version.userType() == QMetaType::Double)
+        return QStringLiteral("Write \"version\": \"%1\".").arg(textOf(version));
+    return QStringLiteral("Write the version as a text, for example \"version\": \"1.0\".");
+}
+
+/// A place as another one in the same file is told of it.
+QString lineText(Place place, Place other)
+{
+    return place.line == other.line ? QStringLiteral("line %1, column %2").arg(place.line).arg(place.column)
+                                    : QStringLiteral("line %1").arg(place.line);
+}
+
 /// A configuration file and what the dependency check finds in it.
 struct CheckedConfiguration
 {
@@ -99,8 +113,12 @@ private:
     void checkEntry(int index);
     void checkName(const Entry &entry);
     void checkRequest(const Entry &entry);
+    void checkRequestOfOther(const Entry &entry, const QString &meant, Set other);
+    QString requestedLike(const QString &name, Set set);
+    bool isAnotherOf(const QString &meant, const QString &name) const;
     void checkVersion(const Entry &entry);
     void checkRefusal(const Entry &entry);
+    QString missingText(int index, const Dependency &dependency) const;
     QStringList listedLike(const QString &name);
     void checkDependency(int index, int number, DependencyState state);
     void checkIgnored(int index, const Dependency &dependency, const QString &what);
@@ -121,7 +139,8 @@ private:
     QStringList m_pluginsCheckedHere;  // First those of this file, then those of the DFM file.
     int m_ownPlugins = 0;
     QVector<int> m_refusedWith; // For each entry one of these, or -1.
-    std::optional<NearNames> m_nearRequests;
+    std::optional<NearNames> m_nearPlugins;
+    std::optional<NearNames> m_nearTools;
     std::optional<NearNames> m_nearListed;
     qint64 m_comparisons = 0;
 };
@@ -205,12 +224,11 @@ void ConfigurationCheck::checkDuplicateKeys()
         const QString plugin = duplicate.entry >= 0 && duplicate.entry < m_configuration.entries.size()
                                    ? m_configuration.entries.at(duplicate.entry).name
                                    : QString();
+        const QString first = lineText(duplicate.first, duplicate.second);
         add(Code::DuplicateKey, plugin, duplicate.second,
-            QStringLiteral("The key \"%1\" stands in one object twice, first in line %2.")
-                .arg(shown(duplicate.key))
-                .arg(duplicate.first.line),
-            QStringLiteral("The later one counts. What stands under the one in line %1 is lost.")
-                .arg(duplicate.first.line),
+            QStringLiteral("The key \"%1\" stands in one object twice, first in %2.")
+                .arg(shown(duplicate.key), first),
+            QStringLiteral("The later one counts. What stands under the one in %1 is lost.").arg(first),
             QStringLiteral("Take one of them out."));
     }
 }
@@ -232,14 +250,11 @@ void ConfigurationCheck::checkEntry(int index)
     }
     if (!m_configuration.counts(index)) {
         const Entry &winner = m_configuration.entries.at(m_configuration.entryOfName.value(entry.name));
+        const QString place = lineText(winner.places.name, entry.places.name);
         add(Code::DuplicateName, entry.name, entry.places.name,
-            QStringLiteral("\"%1\" is listed again in line %2.")
-                .arg(shown(entry.name))
-                .arg(winner.places.name.line),
-            QStringLiteral(
-                "The entry in line %1 counts, with version %2. This one, with version %3, does not.")
-                .arg(winner.places.name.line)
-                .arg(written(winner.version), written(entry.version)),
+            QStringLiteral("\"%1\" is listed again in %2.").arg(shown(entry.name), place),
+            QStringLiteral("The entry in %1 counts, with version %2. This one, with version %3, does not.")
+                .arg(place, written(winner.version), written(entry.version)),
             QStringLiteral("Take one of them out."));
         return;
     }
@@ -272,6 +287,17 @@ void ConfigurationCheck::checkName(const Entry &entry)
                 "If the library is there, it is loaded under this name, and no operation finds it: "
                 "they ask for the bare file name."),
             QStringLiteral("Write the file name alone, and name the folder to the loader."));
+    } else if (name == QLatin1String(".") || name == QLatin1String("..")) {
+        add(Code::NamePath, name, place, QStringLiteral("The name \"%1\" stands for a folder.").arg(name),
+            QStringLiteral("The manager looks for a library \"%1.dll\", which nobody means.").arg(name),
+            QStringLiteral("Write the name of the library's file, without \".dll\"."));
+    } else if (name.contains(':')) {
+        add(Code::NamePath, name, place,
+            QStringLiteral("The name \"%1\" has a colon in it.").arg(shown(name)),
+            QStringLiteral(
+                "On Windows what stands before it is a drive. If the library is there, it is loaded under "
+                "this name, and no operation finds it: they ask for the bare file name."),
+            QStringLiteral("Write the file name alone, and name the folder to the loader."));
     } else if (name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive)) {
         add(Code::NameSuffix, name, place, QStringLiteral("The name \"%1\" has the suffix.").arg(shown(name)),
             QStringLiteral("The manager appends \".dll\" and looks for \"%1.dll\".").arg(shown(name)),
@@ -281,6 +307,45 @@ void ConfigurationCheck::checkName(const Entry &entry)
     }
 }
 
+/// Where both are listed, a name like another is one of its own.
+bool ConfigurationCheck::isAnotherOf(const QString &meant, const QString &name) const
+{
+    return m_configuration.entryOfName.contains(meant) && meant.compare(name, Qt::CaseInsensitive) != 0;
+}
+
+/// A name that a manager asks for and that this one is like, or an empty text.
+QString ConfigurationCheck::requestedLike(const QString &name, Set set)
+{
+    std::optional<NearNames> &near = set == Set::Desktop ? m_nearTools : m_nearPlugins;
+    if (!near) {
+        QStringList names;
+        for (const Request &request : requestsOf(set))
+            names.append(request.name);
+        near.emplace(names);
+    }
+    return near->of(name).value(0);
+}
+
+/// Says that a name, or one like it, is one of the other manager's.
+void ConfigurationCheck::checkRequestOfOther(const Entry &entry, const QString &meant, Set other)
+{
+    if (meant.isEmpty())
+        return;
+    const bool isTool = other == Set::Desktop;
+    const QString what = isTool ? QStringLiteral("a tool of the desktop manager")
+                                : QStringLiteral("a plug-in of the CAM manager");
+    add(Code::NameNearMiss, entry.name, entry.places.name,
+        meant == entry.name ? QStringLiteral("\"%1\" is %2.").arg(shown(entry.name), what)
+                            : QStringLiteral("Nothing asks for \"%1\", but for \"%2\", %3.")
+                                  .arg(shown(entry.name), meant, what),
+        QStringLiteral("This file is read by the %1 manager, which has no operation that asks for it.")
+            .arg(isTool ? QStringLiteral("CAM") : QStringLiteral("desktop")),
+        meant == entry.name
+            ? QStringLiteral("List it in the file of its own manager.")
+            : QStringLiteral("List it as \"%1\" in the file of its own manager, if that is what it is.")
+                  .arg(meant));
+}
+
 void ConfigurationCheck::checkRequest(const Entry &entry)
 {
     const Set set = m_configuration.set;
@@ -288,24 +353,13 @@ void ConfigurationCheck::checkRequest(const Entry &entry)
         return;
     const Set other = set == Set::Desktop ? Set::Cam : Set::Desktop;
     if (requestNamed(entry.name, other)) {
-        add(Code::NameNearMiss, entry.name, entry.places.name,
-            other == Set::Desktop ? QStringLiteral("\"%1\" is a tool of the desktop manager.").arg(entry.name)
-                                  : QStringLiteral("\"%1\" is a plug-in of the CAM manager.").arg(entry.name),
-            QStringLiteral("This file is read by the %1 manager, which has no operation that asks for it.")
-                .arg(set == Set::Desktop ? QStringLiteral("desktop") : QStringLiteral("CAM")),
-            QStringLiteral("List it in the file of its own manager."));
+        checkRequestOfOther(entry, entry.name, other);
         return;
     }
-    if (!m_nearRequests) {
-        QStringList names;
-        for (const Request &request : requestsOf(set))
-            names.append(request.name);
-        m_nearRequests.emplace(names);
-    }
-    const QString meant = m_nearRequests->of(entry.name).value(0);
-    const bool differsByCapitals = meant.compare(entry.name, Qt::CaseInsensitive) == 0;
-    // Where both are listed, a name like another is one of its own.
-    if (meant.isEmpty() || (m_configuration.entryOfName.contains(meant) && !differsByCapitals))
+    const QString meant = requestedLike(entry.name, set);
+    if (meant.isEmpty())
+        checkRequestOfOther(entry, requestedLike(entry.name, other), other);
+    if (meant.isEmpty() || isAnotherOf(meant, entry.name))
         return;
     add(Code::NameNearMiss, entry.name, entry.places.name,
         QStringLiteral("Nothing asks for \"%1\", but for \"%2\".").arg(shown(entry.name), meant),
@@ -325,7 +379,7 @@ void ConfigurationCheck::checkVersion(const Entry &entry)
         QStringLiteral(
             "It is compared by conversion: a plug-in that needs the version as a text may be satisfied "
             "by another text than the one you see, and one that needs a number by surprise."),
-        QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(entry.version))));
+        adviceOnVersion(entry.version));
 }
 
 bool ConfigurationCheck::isRefused(const QString &plugin) const
@@ -342,7 +396,7 @@ void ConfigurationCheck::checkRefusal(const Entry &entry)
     const QString file =
         m_configuration.set == Set::Dfm
             ? QStringLiteral("%1, line %2").arg(m_tables->file.file, QString::number(place.line))
-            : QStringLiteral("line %1").arg(place.line);
+            : lineText(place, entry.places.name);
     add(Code::PluginRefused, entry.name, entry.places.name,
         QStringLiteral("\"%1\" is not loaded: the dependencies of \"%1.dll\" (%2) are not met.")
             .arg(name, file),
@@ -417,28 +471,47 @@ QStringList ConfigurationCheck::listedLike(const QString &name)
     return m_nearListed->of(name, 2);
 }
 
+/// What is said of a dependency that is not in the list.
+QString ConfigurationCheck::missingText(int index, const Dependency &dependency) const
+{
+    const QString plugin = shown(m_configuration.entries.at(index).name);
+    if (!dependency.name.isValid())
+        return QStringLiteral("\"%1\" has a dependency without a name, which no list has.").arg(plugin);
+    const QString needed = QStringLiteral("\"%1\" needs \"%2\" %3")
+                               .arg(plugin, shown(textOf(dependency.name)), written(dependency.version));
+    const int other =
+        m_configuration.set == Set::Dfm && m_tables ? entryNamed(m_tables->file, dependency.name) : -1;
+    if (other < 0)
+        return needed + QStringLiteral(", which the list does not have.");
+    return needed
+           + QStringLiteral(", and the CAM file has version %1.")
+                 .arg(written(m_tables->file.entries.at(other).version));
+}
+
 void ConfigurationCheck::checkDependency(int index, int number, DependencyState state)
 {
     const Entry &entry = m_configuration.entries.at(index);
     const Dependency &dependency = entry.dependencies.at(number);
-    // The schema says so, and better.
-    if (!dependency.name.isValid() || !dependency.version.isValid())
-        return;
     const QString name = shown(textOf(dependency.name));
-    if (dependency.version.userType() != QMetaType::QString) {
+    const bool hasVersion = dependency.version.isValid();
+    if (hasVersion && dependency.version.userType() != QMetaType::QString) {
         add(Code::VersionType, entry.name, dependency.places.version,
             QStringLiteral("\"%1\" needs \"%2\" in version %3, which is no text.")
                 .arg(shown(entry.name), name, written(dependency.version)),
             state == DependencyState::Version
                 ? QStringLiteral("The two versions are not equal to the manager, though they may look equal.")
                 : QStringLiteral("It is compared by conversion."),
-            QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(dependency.version))));
+            adviceOnVersion(dependency.version));
     }
     if (state == DependencyState::Missing) {
-        const QString what = QStringLiteral("\"%1\" needs \"%2\" %3, which the list does not have.")
-                                 .arg(shown(entry.name), name, written(dependency.version));
+        const QString what = missingText(index, dependency);
         if (m_configuration.set == Set::Dfm) {
             checkIgnored(index, dependency, what);
+            return;
+        }
+        if (!dependency.name.isValid()) {
+            add(Code::DependencyMissing, entry.name, dependency.places.entry, what, consequenceOf(index),
+                QStringLiteral("Name the plug-in that is needed, or take the dependency out."));
             return;
         }
         const QStringList near = listedLike(textOf(dependency.name));
@@ -448,9 +521,9 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
     } else if (state == DependencyState::Version) {
         const Entry &needed = m_configuration.entries.at(entryNamed(m_configuration, dependency.name));
         const QString what =
-            QStringLiteral("\"%1\" needs \"%2\" in version %3, and the list has version %4 (line %5).")
-                .arg(shown(entry.name), name, written(dependency.version), written(needed.version))
-                .arg(needed.places.version.line);
+            QStringLiteral("\"%1\" needs \"%2\" in version %3, and the list has version %4 (%5).")
+                .arg(shown(entry.name), name, written(dependency.version), written(needed.version),
+                     lineText(needed.places.version, dependency.places.name));
         if (m_configuration.set == Set::Dfm) {
             checkIgnored(index, dependency, what);
             return;
@@ -472,9 +545,10 @@ void ConfigurationCheck::checkIgnored(int index, const Dependency &dependency, c
     if (isMetByCamSet(dependency))
         return;
     add(Code::DependencyIgnored, entry.name, dependency.places.name, what, consequenceOf(index),
-        QStringLiteral(
-            "Correct it, for those who read it. If it is a plug-in of the CAM set, name the CAM file in "
-            "the same call."));
+        m_tables ? QStringLiteral("Correct it, for those who read it.")
+                 : QStringLiteral(
+                     "Correct it, for those who read it. If it is a plug-in of the CAM set, name the CAM "
+                     "file in the same call."));
 }
 
 void ConfigurationCheck::addCycles()
