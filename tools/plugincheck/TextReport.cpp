@@ -60,11 +60,10 @@ QString wrapped(const QString &text)
 
 QString placeText(const Finding &finding)
 {
-    const QString file = inOneLine(finding.file);
-    if (finding.place.line == 0)
-        return file;
-    return QStringLiteral("%1:%2:%3")
-        .arg(file, QString::number(finding.place.line), QString::number(finding.place.column));
+    QString place = inOneLine(finding.file);
+    if (finding.place.line > 0)
+        place += QStringLiteral(":%1:%2").arg(finding.place.line).arg(finding.place.column);
+    return place;
 }
 
 QString findingText(const Finding &finding, const Painter &paint)
