@@ -1,11 +1,13 @@
 #include "ConfigurationChecks.h"
 #include "Dependencies.h"
+#include "Names.h"
 #include "debuglines.h"
 #include "openbase.h"
 #include "testfiles.h"
 #include "testmain.h"
 
 #include <QtCore/QRandomGenerator>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 
 using namespace PluginCheck;
@@ -60,13 +62,24 @@ private slots:
     void tellsWhatTheManagerDoes_data();
     void tellsWhatTheManagerDoes();
     void syntaxErrorShowsItsLine();
+    void syntaxErrorHasItsPlaceAndAdvice_data();
+    void syntaxErrorHasItsPlaceAndAdvice();
+    void textsSayWhatIsThere_data();
+    void textsSayWhatIsThere();
     void cycleHasItsWholeWay();
+    void everyDependencyInACircleIsTold_data();
+    void everyDependencyInACircleIsTold();
+    void manyCirclesAreNotAllTold();
     void dfmDependencyOnTheCamSetIsMet();
+    void reportsWhatIsRefused_data();
+    void reportsWhatIsRefused();
     void agreesWithTheManagersCheck();
+    void findsNamesByTheirDistance();
     void manyEntriesTakeShort_data();
     void manyEntriesTakeShort();
     void deepNestingIsRefused();
     void moreFindingsThanListedAreCounted();
+    void statesComeFromAllFindings();
 };
 
 void tst_CheckConfiguration::findsFault_data()
@@ -78,22 +91,48 @@ void tst_CheckConfiguration::findsFault_data()
         QTest::newRow(name) << list(entries) << Set::Cam << expected;
     };
     QTest::newRow("not JSON") << list(R"({"name": "Matrix", "version": "1"},)") << Set::Cam
-                              << QStringList{"config-syntax 3:2"};
+                              << QStringList{"config-syntax 2:35"};
     QTest::newRow("empty file") << QByteArray() << Set::Cam << QStringList{"config-syntax 1:1"};
-    QTest::newRow("UTF-16") << QByteArray("{\0}\0", 4) << Set::Cam << QStringList{"config-syntax 1:3"};
+    QTest::newRow("UTF-16") << QByteArray("{\0}\0", 4) << Set::Cam << QStringList{"config-syntax 1:2"};
     QTest::newRow("an array as root") << QByteArray("[]") << Set::Cam << QStringList{"config-list 1:1"};
     QTest::newRow("list misspelled") << QByteArray("{\"pluginlist\": []}") << Set::Cam
                                      << QStringList{"config-list 1:1"};
     QTest::newRow("list is no array")
         << QByteArray("{\"pluginList\": {}}") << Set::Cam << QStringList{"config-list 1:16"};
     QTest::newRow("list is empty") << QByteArray("{\"pluginList\": []}") << Set::Cam
-                                   << QStringList{"config-list 1:16"};
+                                   << QStringList{"config-empty 1:16"};
     cam("unknown key", R"({"name": "Matrix", "version": "1", "dependancies": []})",
-        {"config-schema 2:1 Matrix"});
+        {"config-schema 2:36 Matrix"});
+    cam("several mistakes in one entry",
+        R"({"name": "Matrix", "verion": "1", "dependancies": [], "dependencies": 1, "x": 1})",
+        {"config-schema 2:71 Matrix", "config-schema 2:20 Matrix", "config-schema 2:35 Matrix",
+         "config-schema 2:74 Matrix", "config-schema 2:1 Matrix"});
+    cam("several mistakes in an entry without a name", R"({"verion": "1", "x": 1})",
+        {"name-empty 2:1", "config-schema 2:2", "config-schema 2:17", "config-schema 2:1"});
+    cam("unknown keys of a dependency",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Graphic_View", "version": "1", "x": 1,
+        "name ": 2}]}, {"name": "Graphic_View", "version": "1"})",
+        {"config-schema 2:94 Matrix", "config-schema 3:9 Matrix"});
+    cam("unknown key in a list that is lost",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"x": 1}], "dependencies": []})",
+        {"duplicate-key 2:64 Matrix"});
     cam("no version", R"({"name": "Matrix"})", {"config-schema 2:1 Matrix"});
     cam("dependency without version",
         R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "X"}]})",
-        {"config-schema 2:53 Matrix"});
+        {"dependency-missing 2:62 Matrix", "config-schema 2:53 Matrix"});
+    cam("dependency without version on what is listed",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"name": "Graphic_View"}]},
+        {"name": "Graphic_View", "version": "1"})",
+        {"dependency-version 2:53 Matrix", "config-schema 2:53 Matrix"});
+    cam("dependency without name",
+        R"({"name": "Matrix", "version": "1", "dependencies": [{"version": "1"}]})",
+        {"dependency-missing 2:53 Matrix"});
+    cam("dependency that is no object", R"({"name": "Matrix", "version": "1", "dependencies": [1]})",
+        {"dependency-missing 2:53 Matrix"});
+    cam("name with a drive", R"({"name": "C:Matrix", "version": "1"})", {"name-path 2:10 C:Matrix"});
+    cam("name of a folder", R"({"name": "..", "version": "1"})", {"name-path 2:10 .."});
+    cam("name like that of a desktop tool", R"({"name": "Toolbar_Select", "version": "1"})",
+        {"name-near-miss 2:10 Toolbar_Select"});
     cam("key twice", R"({"name": "Matrix", "version": "1", "version": "2"})", {"duplicate-key 2:36 Matrix"});
     cam("key twice, once escaped", R"({"name": "Matrix", "version": "1", "\u0076ersion": "2"})",
         {"duplicate-key 2:36 Matrix"});
@@ -161,9 +200,9 @@ void tst_CheckConfiguration::findsFault()
     for (const QString &line : expected)
         wanted.append(line);
     QCOMPARE(found(report), wanted);
-    const bool isError = checkOf(report.findings().first().code).severity == Severity::Error;
-    QCOMPARE(exitStatus(report, false), isError ? 1 : 0);
-    QCOMPARE(exitStatus(report, true), 1);
+    const Severity severity = checkOf(report.findings().first().code).severity;
+    QCOMPARE(exitStatus(report, false), severity == Severity::Error ? 1 : 0);
+    QCOMPARE(exitStatus(report, true), severity == Severity::Note ? 0 : 1);
     for (const Finding &finding : report.findings()) {
         QVERIFY(!finding.message.isEmpty());
         QVERIFY(!finding.consequence.isEmpty());
@@ -258,6 +297,88 @@ void tst_CheckConfiguration::syntaxErrorShowsItsLine()
     QCOMPARE(report.findings().first().advice, QStringLiteral("Texts stand in double quotes."));
 }
 
+void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("advice");
+    const auto row = [](const char *json, const char *place, const char *advice) {
+        QTest::newRow(json) << QByteArray(json) << QString(place) << QString(advice);
+    };
+    row(R"({"pluginList":[{"name":"G","version":"1",}]})", "1:41", "Take this comma out");
+    row("{\"pluginList\": [{\"name\": \"G\"},\n  ]  }", "1:30", "Take this comma out");
+    row("[1,,2]", "1:4", "Take this comma out, or write what should stand before it.");
+    row("[,1]", "1:2", "Take this comma out, or write what should stand before it.");
+    row("{\"a\": 1,, \"b\": 2}", "1:9", "Take this comma out, or write what should stand before it.");
+    row(R"({"pluginList":[{"name":"G"}{"name":"H"}]})", "1:28", "Write a comma before this place");
+    row("[\"a\"  \"b\"]", "1:7", "Write a comma before this place");
+    row(R"({"pluginList":[{"name":"G" "version":"1"}]})", "1:28", "Write a comma before this place");
+    row("{\"pluginList\": [\n", "2:1", "The file ends too early.");
+    row("{\"pluginList\": [{\"name\": \"G\"}", "1:30", "The file ends too early.");
+    row("{\"pluginList\": [],", "1:19", "The file ends too early.");
+    row("{\"a\":", "1:6", "The file ends too early.");
+    row(R"({"pluginList" []})", "1:15", "Write a colon");
+    row(R"({"pluginList": [{"name": "G}]})", "1:26", "The text that begins here has no end.");
+    row("{ // all\n}", "1:3", "JSON has no comments.");
+    row("[1, /* two */ 3]", "1:5", "JSON has no comments.");
+    row("{'pluginList': []}", "1:2", "Texts stand in double quotes.");
+    row(R"({"pluginList": [}})", "1:17", "This closes something else");
+    row(R"({"pluginList": []}})", "1:19", "The file goes on behind its end.");
+    row("{pluginList: []}", "1:2", "Write a key in double quotes");
+    row("[yes]", "1:2", "Look at this place");
+    row(R"({"a":})", "1:6", "Look at this place");
+    row("\xef\xbb\xbf[1,]", "1:3", "Take this comma out");
+    row(" \n", "2:1", "The file is empty.");
+    row("[\"\xff\"]", "1:3", "Save the file as UTF-8");
+}
+
+void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QString, place);
+    QFETCH(QString, advice);
+    const Report report = check(json, Set::Cam);
+    QCOMPARE(found(report), QStringList{"config-syntax " + place});
+    QVERIFY2(report.findings().first().advice.startsWith(advice),
+             qPrintable(report.findings().first().advice));
+}
+
+void tst_CheckConfiguration::textsSayWhatIsThere_data()
+{
+    QTest::addColumn<QByteArray>("dfm");
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("null as version") << list(R"({"name": "X", "version": null})")
+                                     << QStringList{
+                                            "The version of \"X\" is null, which is no text.",
+                                            "Write the version as a text, for example \"version\": \"1.0\"."};
+    QTest::newRow("number as version")
+        << list(R"({"name": "X", "version": 2})")
+        << QStringList{"The version of \"X\" is 2, which is no text.", "Write \"version\": \"2\"."};
+    QTest::newRow("in the CAM file of another version")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "Matrix", "version": "2"}]})")
+        << QStringList{"\"X\" needs \"Matrix\" \"2\", and the CAM file has version \"1\".",
+                       "Correct it, for those who read it."};
+    QTest::newRow("twice in one line")
+        << list(R"({"name": "X", "version": "1"}, {"name": "X", "version": "1"})")
+        << QStringList{"\"X\" is listed again in line 2, column 41.", "Take one of them out."};
+    QTest::newRow("twice in two lines")
+        << list("{\"name\": \"X\", \"version\": \"1\"},\n{\"name\": \"X\", \"version\": \"1\"}")
+        << QStringList{"\"X\" is listed again in line 3.", "Take one of them out."};
+}
+
+void tst_CheckConfiguration::textsSayWhatIsThere()
+{
+    QFETCH(QByteArray, dfm);
+    QFETCH(QStringList, texts);
+    Report report;
+    checkConfigurations(
+        {*parseConfiguration("cam.json", Set::Cam, list(R"({"name": "Matrix", "version": "1"})"), report),
+         *parseConfiguration("dfm.json", Set::Dfm, dfm, report)},
+        report);
+    QCOMPARE(report.findings().size(), 1);
+    QCOMPARE((QStringList{report.findings().first().message, report.findings().first().advice}), texts);
+}
+
 void tst_CheckConfiguration::cycleHasItsWholeWay()
 {
     const auto needs = [](const char *name, const char *other) {
@@ -273,6 +394,61 @@ void tst_CheckConfiguration::cycleHasItsWholeWay()
              QByteArray("met"));
 }
 
+/// Where everything needs everything, looking for all circles would not end.
+void tst_CheckConfiguration::manyCirclesAreNotAllTold()
+{
+    constexpr int count = 200;
+    QJsonArray dependencies;
+    for (int i = 0; i < count; ++i)
+        dependencies.append(TestFiles::dependency(QString::number(i), "1"));
+    QJsonArray entries;
+    for (int i = 0; i < count; ++i)
+        entries.append(TestFiles::entry(QString::number(i), "1", dependencies));
+    const Report report = check(TestFiles::config(entries), Set::Cam);
+    QCOMPARE(report.configurations.first().cycles.size(), 101);
+    QCOMPARE(report.leftOut(), QStringList{"set.json: of many circles of dependencies not all are told"});
+}
+
+void tst_CheckConfiguration::everyDependencyInACircleIsTold_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QVector<QStringList>>("cycles");
+    QTest::addColumn<QStringList>("expected");
+    const auto needs = [](const char *name, const QVector<QPair<const char *, const char *>> &others) {
+        QJsonArray dependencies;
+        for (const auto &other : others)
+            dependencies.append(TestFiles::dependency(other.first, other.second));
+        return TestFiles::entry(name, "1", dependencies);
+    };
+    QTest::newRow("circles that share plug-ins")
+        << TestFiles::config({needs("A", {{"B", "1"}, {"C", "1"}}), needs("B", {{"A", "1"}, {"C", "1"}}),
+                              needs("C", {{"A", "1"}})})
+        << QVector<QStringList>{{"A", "B", "A"}, {"A", "C", "A"}, {"B", "C", "A", "B"}}
+        << QStringList{"dependency-cycle A", "dependency-cycle A", "dependency-cycle B"};
+    QTest::newRow("with a wrong version")
+        << TestFiles::config({needs("A", {{"B", "2"}}), needs("B", {{"A", "1"}})})
+        << QVector<QStringList>{{"A", "B", "A"}} << QStringList{"dependency-version A", "dependency-cycle A"};
+    QTest::newRow("on itself in another version")
+        << TestFiles::config({needs("A", {{"A", "2"}})}) << QVector<QStringList>()
+        << QStringList{"dependency-self A"};
+}
+
+void tst_CheckConfiguration::everyDependencyInACircleIsTold()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QVector<QStringList>, cycles);
+    QFETCH(QStringList, expected);
+    const Report report = check(json, Set::Cam);
+    QCOMPARE(report.configurations.first().cycles, cycles);
+    QStringList told;
+    for (const Finding &finding : report.findings())
+        told.append(QLatin1String(checkOf(finding.code).name) + ' ' + finding.plugin);
+    QCOMPARE(told, expected);
+    const QJsonObject written = report.toJson()["configurations"].toArray().first().toObject();
+    for (const QJsonValue &plugin : written["plugins"].toArray())
+        QCOMPARE(plugin["state"].toString(), QString("error"));
+}
+
 void tst_CheckConfiguration::dfmDependencyOnTheCamSetIsMet()
 {
     const QByteArray cam = TestFiles::config({TestFiles::entry("Matrix", "1")});
@@ -285,6 +461,49 @@ void tst_CheckConfiguration::dfmDependencyOnTheCamSetIsMet()
     QCOMPARE(found(report), QStringList());
 }
 
+void tst_CheckConfiguration::reportsWhatIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("cam");
+    QTest::addColumn<QByteArray>("dfm");
+    QTest::addColumn<QStringList>("refused");
+    QTest::newRow("for what its entry's dependency needs") << list(R"({"name": "X", "version": "1"},
+        {"name": "X.dll", "version": "1", "dependencies": [{"name": "Y", "version": "1"}]},
+        {"name": "Y", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]})")
+                                                           << list("") << QStringList{"cam.json X"};
+    QTest::newRow("for a circle with its own entry")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "X.dll", "version": "1"}]},
+        {"name": "X.dll", "version": "1", "dependencies": [{"name": "X", "version": "1"}]})")
+        << list("") << QStringList{"cam.json X"};
+    QTest::newRow("for an entry of the other set")
+        << list(R"({"name": "X.dll", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]})")
+        << list(R"({"name": "X", "version": "1"})") << QStringList{"dfm.json X"};
+    QTest::newRow("nothing")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]},
+        {"name": "X.dll", "version": "1"})")
+        << list(R"({"name": "X", "version": "1", "dependencies": [{"name": "Z", "version": "1"}]})")
+        << QStringList{};
+}
+
+void tst_CheckConfiguration::reportsWhatIsRefused()
+{
+    QFETCH(QByteArray, cam);
+    QFETCH(QByteArray, dfm);
+    QFETCH(QStringList, refused);
+    Report report;
+    checkConfigurations({*parseConfiguration("cam.json", Set::Cam, cam, report),
+                         *parseConfiguration("dfm.json", Set::Dfm, dfm, report)},
+                        report);
+    QStringList reported;
+    for (const Finding &finding : report.findings()) {
+        if (finding.code == Code::PluginRefused)
+            reported.append(finding.configuration + ' ' + finding.plugin);
+        else if (!refused.isEmpty() && finding.code != Code::NameSuffix && finding.code != Code::ConfigEmpty)
+            QVERIFY2(finding.consequence.startsWith("The manager refuses to load \"X\""),
+                     qPrintable(finding.consequence));
+    }
+    QCOMPARE(reported, refused);
+}
+
 /// Random sets, some listed under file names, so that the manager does look at their dependencies.
 void tst_CheckConfiguration::agreesWithTheManagersCheck()
 {
@@ -294,34 +513,121 @@ void tst_CheckConfiguration::agreesWithTheManagersCheck()
     QRandomGenerator random(20231121);
     const QJsonArray versions{"1", "2.0", 2, 1, true, QJsonValue()};
     const auto version = [&] { return versions.at(int(random.bounded(100)) < 70 ? 0 : random.bounded(6)); };
-    int refused = 0;
-    for (int round = 0; round < 300; ++round) {
+    const auto name = [&](int count) {
+        return QString::number(random.bounded(count)) + (random.bounded(2) ? ".dll" : "");
+    };
+    const auto randomSet = [&] {
         const int count = 1 + random.bounded(8);
         QJsonArray entries;
         for (int i = 0; i < count; ++i) {
             QJsonArray dependencies;
             for (int j = random.bounded(3); j > 0; --j)
-                dependencies.append(
-                    TestFiles::dependency(QString::number(random.bounded(count + 1)), version()));
-            entries.append(TestFiles::entry(QString::number(random.bounded(count)), version(), dependencies));
+                dependencies.append(TestFiles::dependency(name(count), version()));
+            entries.append(TestFiles::entry(name(count), version(), dependencies));
         }
-        const QByteArray json = TestFiles::config(entries);
+        return TestFiles::config(entries);
+    };
+    int refused = 0;
+    int refusedOfDfm = 0;
+    int toldToBeLoaded = 0;
+    int toldToBeRefused = 0;
+    for (int round = 0; round < 300; ++round) {
+        const QByteArray json = randomSet();
+        const QByteArray dfm = randomSet();
         TestFiles::write(file, json);
         QTPluginsMangerPrivate tables;
         OpenBase().readPluginConfig(tables, file);
 
         Report report;
-        const Configuration configuration = *parseConfiguration(file, Set::Cam, json, report);
-        const DependencyResults results = checkDependencies(configuration);
-        for (int i = 0; i < configuration.entries.size(); ++i) {
-            if (!configuration.counts(i))
-                continue;
-            refused += results.sound.at(i) ? 0 : 1;
-            if (results.sound.at(i) != tables.check(configuration.entries.at(i).name))
-                QFAIL(json + configuration.entries.at(i).name.toUtf8());
+        const QVector<Configuration> configurations{*parseConfiguration("cam.json", Set::Cam, json, report),
+                                                    *parseConfiguration("dfm.json", Set::Dfm, dfm, report)};
+        const DependencyResults results = checkDependencies(configurations.first());
+        for (int i = 0; i < configurations.first().entries.size(); ++i) {
+            if (configurations.first().counts(i)
+                && results.sound.at(i) != tables.check(configurations.first().entries.at(i).name))
+                QFAIL(json + configurations.first().entries.at(i).name.toUtf8());
+        }
+
+        // What is told of each plug-in that one of the managers' operations loads.
+        checkConfigurations(configurations, report);
+        for (const Configuration &configuration : configurations) {
+            for (const Entry &entry : configuration.entries) {
+                const bool isReported = std::any_of(
+                    report.findings().begin(), report.findings().end(), [&](const Finding &finding) {
+                        return finding.code == Code::PluginRefused
+                               && finding.configuration == configuration.file && finding.plugin == entry.name;
+                    });
+                if (isReported == tables.check(entry.name + ".dll"))
+                    QFAIL(json + dfm + entry.name.toUtf8());
+                refused += isReported && configuration.set == Set::Cam ? 1 : 0;
+                refusedOfDfm += isReported && configuration.set == Set::Dfm ? 1 : 0;
+            }
+        }
+        for (const Finding &finding : report.findings()) {
+            static const QRegularExpression refusal("^The manager refuses to load \"([^\"]*)\"");
+            const QRegularExpressionMatch match = refusal.match(finding.consequence);
+            const bool isLoaded =
+                finding.consequence.startsWith("The manager loads the plug-in all the same");
+            toldToBeLoaded += isLoaded ? 1 : 0;
+            toldToBeRefused += match.hasMatch() ? 1 : 0;
+            if ((isLoaded && !tables.check(finding.plugin + ".dll"))
+                || (match.hasMatch() && tables.check(match.captured(1) + ".dll"))
+                || (finding.consequence.startsWith("The manager does not load the plug-in, but")
+                    && tables.check(finding.plugin + ".dll")))
+                QFAIL(json + dfm + finding.plugin.toUtf8() + finding.consequence.toUtf8());
         }
     }
-    QVERIFY(refused > 100);
+    QVERIFY(refused > 50);
+    QVERIFY(refusedOfDfm > 50);
+    QVERIFY(toldToBeLoaded > 100);
+    QVERIFY(toldToBeRefused > 100);
+}
+
+/// The short way to the distance finds what the whole table of it does.
+void tst_CheckConfiguration::findsNamesByTheirDistance()
+{
+    const auto distance = [](const QString &left, const QString &right) {
+        std::vector<std::vector<int>> table(left.size() + 1, std::vector<int>(right.size() + 1));
+        for (int row = 0; row <= left.size(); ++row) {
+            for (int column = 0; column <= right.size(); ++column) {
+                int &cost = table[row][column];
+                cost = std::max(row, column);
+                if (row == 0 || column == 0)
+                    continue;
+                const bool same = left.at(row - 1) == right.at(column - 1);
+                cost = std::min({table[row - 1][column] + 1, table[row][column - 1] + 1,
+                                 table[row - 1][column - 1] + (same ? 0 : 1)});
+                if (row > 1 && column > 1 && left.at(row - 1) == right.at(column - 2)
+                    && left.at(row - 2) == right.at(column - 1))
+                    cost = std::min(cost, table[row - 2][column - 2] + 1);
+            }
+        }
+        return table[left.size()][right.size()];
+    };
+    QRandomGenerator random(20231122);
+    int near = 0;
+    for (int round = 0; round < 20000; ++round) {
+        QString left;
+        for (int i = random.bounded(4, 16); i > 0; --i)
+            left.append(QChar('a' + random.bounded(3)));
+        QString right = left;
+        for (int i = random.bounded(5); i > 0; --i) {
+            const int place = random.bounded(right.size());
+            const QChar letter('a' + random.bounded(3));
+            if (i % 2)
+                right.insert(place, letter);
+            else
+                right[place] = letter;
+        }
+        if (random.bounded(2))
+            right.remove(random.bounded(right.size()), 1);
+        const int limit = std::min(2, left.size() / 6);
+        const bool isNear = left != right && distance(left, right) <= limit;
+        near += isNear ? 1 : 0;
+        QVERIFY2(NearNames({right}).of(left) == (isNear ? QStringList{right} : QStringList()),
+                 qPrintable(left + ' ' + right));
+    }
+    QVERIFY(near > 1000 && near < 19000);
 }
 
 void tst_CheckConfiguration::manyEntriesTakeShort_data()
@@ -331,6 +637,7 @@ void tst_CheckConfiguration::manyEntriesTakeShort_data()
     QTest::newRow("one long circle") << 1;
     QTest::newRow("all dependencies missing") << 2;
     QTest::newRow("all names misspelled") << 3;
+    QTest::newRow("all names and all missing dependencies alike") << 4;
 }
 
 /// Here only that no cost grows with the square of their number; benchmarks measure it.
@@ -338,15 +645,16 @@ void tst_CheckConfiguration::manyEntriesTakeShort()
 {
     QFETCH(int, shape);
     constexpr int count = 5000;
+    const char *const needed[] = {"Plugin", "Plugin", "Absent", "Graphic_Veiw", "Graphic_View"};
     QByteArray json = "{\"pluginList\": [";
     for (int i = 0; i < count; ++i) {
         const int next = shape == 0 && i + 1 == count ? -1 : (i + 1) % count;
         json +=
             QStringLiteral(
                 R"(%1{"name": "%2%3", "version": "1", "dependencies": [{"name": "%4%5", "version": "1"}]})")
-                .arg(i ? "," : "", shape == 3 ? "Graphic_Veiw" : "Plugin")
+                .arg(i ? "," : "", shape >= 3 ? "Graphic_Veiw" : "Plugin")
                 .arg(i)
-                .arg(shape == 2 ? "Absent" : (shape == 3 ? "Graphic_Veiw" : "Plugin"))
+                .arg(needed[shape])
                 .arg(next)
                 .toUtf8();
     }
@@ -380,6 +688,20 @@ void tst_CheckConfiguration::moreFindingsThanListedAreCounted()
     QCOMPARE(report.leftOut(),
              QStringList{"set.json: 5 findings of name-empty beyond the first 1000 are counted, "
                          "but not listed"});
+}
+
+void tst_CheckConfiguration::statesComeFromAllFindings()
+{
+    QJsonArray entries;
+    for (int i = 0; i < Report::mostOfOneKind + 5; ++i)
+        entries.append(
+            TestFiles::entry("Plugin" + QString::number(i), "1", {TestFiles::dependency("Absent", "1")}));
+    entries.append(TestFiles::entry("Sound", "1"));
+    const QJsonObject json = check(TestFiles::config(entries), Set::Cam).toJson();
+    const QJsonArray plugins = json["configurations"].toArray().first().toObject()["plugins"].toArray();
+    for (int i = 0; i < Report::mostOfOneKind + 5; ++i)
+        QCOMPARE(plugins.at(i).toObject()["state"].toString(), QString("error"));
+    QCOMPARE(plugins.last().toObject()["state"].toString(), QString("good"));
 }
 
 int main(int argc, char **argv)

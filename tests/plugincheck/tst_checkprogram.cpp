@@ -49,6 +49,7 @@ private slots:
     void plantedFaultsAreFoundAndNothingElse();
     void jsonReportKeepsItsSchema();
     void textReportShowsPlaceAndAdvice();
+    void outputSteersNoTerminal();
 };
 
 void tst_CheckProgram::exitStatusTellsWhatHappened_data()
@@ -219,6 +220,32 @@ void tst_CheckProgram::textReportShowsPlaceAndAdvice()
           "0 errors, 1 warning; 1 plug-in checked. plugincheck --explain CODE tells more.\n";
     QCOMPARE(run({configuration}).output, expected);
     QVERIFY(run({configuration, "--color", "always"}).output.contains("\x1b[33mwarning\x1b[0m"));
+}
+
+/// Names come from files that anyone may have written.
+void tst_CheckProgram::outputSteersNoTerminal()
+{
+    QTemporaryDir directory;
+    const QString hostile = QString::fromUtf8("x\x1b[31m\xc2\x9b\xe2\x80\xae\t\x7f\r\ny");
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(
+        configuration,
+        TestFiles::config({TestFiles::entry(hostile + QChar(0), "1", {TestFiles::dependency(hostile, "1")}),
+                           TestFiles::entry("Matrix", hostile)})
+            + hostile.toUtf8());
+    QByteArrayList outputs{run({configuration}).output, run({"--explain", hostile}).errors,
+                           run({hostile}).errors, run({hostile, "--set", "cam"}).output,
+                           run({configuration, "--library-dir", hostile}).errors};
+    TestFiles::write(
+        configuration,
+        TestFiles::config({TestFiles::entry(hostile + QChar(0), "1", {TestFiles::dependency(hostile, "1")}),
+                           TestFiles::entry("Matrix", hostile)}));
+    outputs.append(run({configuration, "--library-dir", CHECKED_DIR "/good"}).output);
+    for (const QByteArray &output : qAsConst(outputs)) {
+        QVERIFY2(output.contains("[31m"), output);
+        for (const QChar character : QString::fromUtf8(output))
+            QVERIFY2((character.isPrint() && character != QChar(0x202e)) || character == '\n', output);
+    }
 }
 
 int main(int argc, char **argv)

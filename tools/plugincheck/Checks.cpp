@@ -10,6 +10,7 @@ using namespace PluginCheck;
 
 constexpr Severity error = Severity::Error;
 constexpr Severity warning = Severity::Warning;
+constexpr Severity note = Severity::Note;
 
 constexpr std::array checks{
     Check{Code::ConfigUnreadable, "config-unreadable", error, "The configuration file cannot be read",
@@ -21,10 +22,13 @@ constexpr std::array checks{
         "the set. Frequent mistakes are a comma after the last entry, a missing comma between two, a "
         "comment, "
         "and a file saved as UTF-16."},
-    Check{
-        Code::ConfigList, "config-list", error, "The file has no list of plug-ins",
-        "The manager looks in the root object for an array \"pluginList\", spelled like this. Without it, or "
-        "when it is empty, nothing is loaded, and nothing is logged either."},
+    Check{Code::ConfigList, "config-list", error, "The file has no list of plug-ins",
+          "The manager looks in the root object for an array \"pluginList\", spelled like this. Without it "
+          "nothing is loaded, and nothing is logged either."},
+    Check{Code::ConfigEmpty, "config-empty", note, "The list of plug-ins is empty",
+          "The manager loads nothing of this set, and logs nothing about it. That is how a set without "
+          "plug-ins is "
+          "written, so it is only a note."},
     Check{Code::ConfigSchema, "config-schema", warning, "The file breaks its schema",
           "The JSON is not built as pluginconfig.schema.json says. The manager passes over what it does not "
           "know, for example a misspelled \"dependancies\", and takes a wrong type for an empty value."},
@@ -44,7 +48,7 @@ constexpr std::array checks{
         "The manager appends \".dll\" to each name. The name \"X.dll\" stands for a file \"X.dll.dll\". An "
         "entry of that name has another effect, too: its dependencies are those that the manager checks for "
         "the plug-in \"X\"."},
-    Check{Code::NamePath, "name-path", error, "A name has a folder in it",
+    Check{Code::NamePath, "name-path", error, "A name has a folder or a drive in it",
           "Libraries are listed under the name by which they were loaded. Operations ask for a file name "
           "without a folder, so they do not find this one."},
     Check{Code::NameControl, "name-control", error, "A name has characters that no file name has",
@@ -82,6 +86,12 @@ constexpr std::array checks{
         "The CAM manager checks dependencies by the CAM file alone. Those in the DFM file are never looked "
         "at, so nobody will report this one. A dependency on a plug-in of the CAM set counts as met when the "
         "CAM file is checked in the same call."},
+    Check{Code::PluginRefused, "plugin-refused", error, "The manager refuses to load the plug-in",
+          "The manager looks the dependencies of \"X\" up under the name of its file, \"X.dll\", for "
+          "plug-ins of the "
+          "CAM and the DFM set in the CAM file. Where that has an entry \"X.dll\" whose dependencies are not "
+          "met, "
+          "there or further down, the library of \"X\" is not loaded."},
     Check{Code::LibraryMissing, "library-missing", error, "The library is in none of the folders",
           "The manager logs that the load failed, shows a message box, and goes on. Operations that need the "
           "library return null."},

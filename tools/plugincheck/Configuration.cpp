@@ -1,5 +1,7 @@
 #include "Configuration.h"
 
+#include "SyntaxFault.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -42,7 +44,41 @@ void addUnreadable(const QString &file, const QString &why, const QString &advic
 }
 
 /// What an expert sees at a glance.
-QString adviceOnSyntax(const QByteArray &text, int offset, const QJsonParseError &error)
+QString adviceOn(Fault fault)
+{
+    switch (fault) {
+    case Fault::EndsEarly:
+        return QStringLiteral("The file ends too early. Close what is open.");
+    case Fault::CommaBeforeEnd:
+        return QStringLiteral("Take this comma out, or write what should follow it.");
+    case Fault::CommaTooMany:
+        return QStringLiteral("Take this comma out, or write what should stand before it.");
+    case Fault::CommaMissing:
+        return QStringLiteral("Write a comma before this place, or look for what is too much before it.");
+    case Fault::ColonMissing:
+        return QStringLiteral("Write a colon between the key and its value.");
+    case Fault::TextWithoutEnd:
+        return QStringLiteral("The text that begins here has no end. Write its closing double quote.");
+    case Fault::SingleQuote:
+        return QStringLiteral("Texts stand in double quotes.");
+    case Fault::Comment:
+        return QStringLiteral("JSON has no comments. Take it out.");
+    case Fault::WrongEnd:
+        return QStringLiteral(
+            "This closes something else than what is open. Look for the bracket that is missing or "
+            "too much.");
+    case Fault::MoreAfterEnd:
+        return QStringLiteral(
+            "The file goes on behind its end. Take out what is too much, or the bracket before it.");
+    case Fault::KeyExpected:
+        return QStringLiteral("Write a key in double quotes here, or close the object.");
+    case Fault::Other:
+        break;
+    }
+    return QStringLiteral("Look at this place and before it.");
+}
+
+QString adviceOnSyntax(const QByteArray &text, const SyntaxFault &fault, const QJsonParseError &error)
 {
     if (text.startsWith("\xff\xfe") || text.startsWith("\xfe\xff") || text.left(4).contains('\0'))
         return QStringLiteral("The file looks like UTF-16. Save it as UTF-8.");
@@ -50,40 +86,31 @@ QString adviceOnSyntax(const QByteArray &text, int offset, const QJsonParseError
         return QStringLiteral("Save the file as UTF-8; it may be in the code page of the system.");
     if (error.error == QJsonParseError::DeepNesting)
         return QStringLiteral("Take the nested arrays and objects out; more than 1024 levels are not read.");
-
-    int last = std::min(offset, int(text.size()) - 1);
-    while (last >= 0 && QByteArray(" \t\r\n").contains(text.at(last)))
-        --last;
-    const auto around = [&](int from, int length) { return text.mid(std::max(0, from), length); };
-    if (last < 0)
+    if (text.trimmed().isEmpty())
         return QStringLiteral("The file is empty. An empty set is written { \"pluginList\": [] }.");
-    if (around(last - 2, 5).contains("//") || around(last - 2, 5).contains("/*"))
-        return QStringLiteral("JSON has no comments. Take it out.");
-    int before = last;
-    if (text.at(before) == ']' || text.at(before) == '}')
-        --before;
-    while (before >= 0 && QByteArray(" \t\r\n").contains(text.at(before)))
-        --before;
-    if (before >= 0 && text.at(before) == ',')
-        return QStringLiteral("Take out the comma before this place, or write what should follow it.");
-    if (around(last - 1, 3).contains('\''))
-        return QStringLiteral("Texts stand in double quotes.");
-    if (last + 1 >= text.size())
-        return QStringLiteral("The file ends too early. Close what is open.");
-    return QStringLiteral("Look at this place and before it; a comma may be missing between two entries.");
+    return adviceOn(fault.fault);
+}
+
+/// Where the parser knows more than where the text goes wrong, its own place is the right one.
+SyntaxFault faultOf(const QByteArray &text, const QJsonParseError &error)
+{
+    const bool isKnownBest =
+        error.error == QJsonParseError::IllegalUTF8String || error.error == QJsonParseError::DeepNesting;
+    return isKnownBest ? SyntaxFault{Fault::Other, error.offset} : syntaxFaultIn(text, error.offset);
 }
 
 void addSyntax(const QString &file, const QByteArray &text, const QJsonParseError &error, Report &report)
 {
+    const SyntaxFault fault = faultOf(text, error);
     Finding finding{Code::ConfigSyntax,
                     file,
                     {},
                     file,
-                    placeOf(text, error.offset),
+                    placeOf(text, fault.offset),
                     QStringLiteral("This is no JSON: %1.").arg(error.errorString()),
                     nothingLoaded,
-                    adviceOnSyntax(text, error.offset, error)};
-    const QPair<QString, int> source = sourceAt(text, error.offset);
+                    adviceOnSyntax(text, fault, error)};
+    const QPair<QString, int> source = sourceAt(text, fault.offset);
     finding.source = source.first;
     finding.sourceColumn = source.second;
     report.add(finding);

@@ -4,9 +4,11 @@
 #include "Names.h"
 #include "SchemaCheck.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QSet>
 
 #include <algorithm>
+#include <vector>
 
 namespace PluginCheck {
 
@@ -44,51 +46,109 @@ QString written(const QVariant &value)
                                                   : textOf(value);
 }
 
+QString adviceOnVersion(const QVariant &version)
+{
+    if (version.userType() == QMetaType::Double)
+        return QStringLiteral("Write \"version\": \"%1\".").arg(textOf(version));
+    return QStringLiteral("Write the version as a text, for example \"version\": \"1.0\".");
+}
+
+/// A place as another one in the same file is told of it.
+QString lineText(Place place, Place other)
+{
+    return place.line == other.line ? QStringLiteral("line %1, column %2").arg(place.line).arg(place.column)
+                                    : QStringLiteral("line %1").arg(place.line);
+}
+
+/// A configuration file and what the dependency check finds in it.
+struct CheckedConfiguration
+{
+    const Configuration &file;
+    DependencyResults dependencies;
+};
+
+/// The file by which the manager checks the plug-ins of another one when it loads them. Null where that is
+/// none of the call's.
+const CheckedConfiguration *tablesFor(const CheckedConfiguration &checked,
+                                      const std::vector<CheckedConfiguration> &all)
+{
+    if (checked.file.set != Set::Dfm)
+        return &checked;
+    // Of several the one in the same folder is of the same host.
+    const QString folder = QFileInfo(checked.file.file).path();
+    const CheckedConfiguration *found = nullptr;
+    for (const CheckedConfiguration &candidate : all) {
+        if (candidate.file.set != Set::Cam)
+            continue;
+        if (QFileInfo(candidate.file.file).path() == folder)
+            return &candidate;
+        if (!found)
+            found = &candidate;
+    }
+    return found;
+}
+
 /// The checks of one configuration file.
 class ConfigurationCheck
 {
 public:
-    ConfigurationCheck(const Configuration &configuration, const QVector<Configuration> &all, Report &report)
-        : m_configuration(configuration)
-        , m_all(all)
+    ConfigurationCheck(const CheckedConfiguration &checked, const std::vector<CheckedConfiguration> &all,
+                       Report &report)
+        : m_configuration(checked.file)
+        , m_dependencies(checked.dependencies)
+        , m_tables(tablesFor(checked, all))
         , m_report(report)
     {
+        listPluginsCheckedHere(checked, all);
     }
 
     void run();
 
 private:
+    void listPluginsCheckedHere(const CheckedConfiguration &checked,
+                                const std::vector<CheckedConfiguration> &all);
     void checkList();
     void checkDuplicateKeys();
     void checkSchema();
     void checkEntry(int index);
     void checkName(const Entry &entry);
     void checkRequest(const Entry &entry);
+    void checkRequestOfOther(const Entry &entry, const QString &meant, Set other);
+    QString requestedLike(const QString &name, Set set);
+    bool isAnotherOf(const QString &meant, const QString &name) const;
     void checkVersion(const Entry &entry);
+    void checkRefusal(const Entry &entry);
+    QString missingText(int index, const Dependency &dependency) const;
+    QStringList listedLike(const QString &name);
     void checkDependency(int index, int number, DependencyState state);
-    void checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what);
+    void checkIgnored(int index, const Dependency &dependency, const QString &what);
     void addCycles();
     void addReport();
     bool isMetByCamSet(const Dependency &dependency) const;
-    QString consequenceOf(const Entry &entry) const;
+    QString consequenceOf(int index) const;
+    bool isRefused(const QString &plugin) const;
     void add(Code code, const QString &plugin, Place place, const QString &message,
              const QString &consequence, const QString &advice);
     QString entryText(int index) const;
 
     const Configuration &m_configuration;
-    const QVector<Configuration> &m_all;
+    const DependencyResults &m_dependencies;
+    const CheckedConfiguration *const m_tables;
     Report &m_report;
     QSet<QPair<int, int>> m_explained; // Places that a finding of its own tells more about than the schema.
-    DependencyResults m_dependencies;
-    std::optional<NearNames> m_nearRequests;
-    int m_searches = 0;
+    QStringList m_pluginsCheckedHere;  // First those of this file, then those of the DFM file.
+    int m_ownPlugins = 0;
+    QVector<int> m_refusedWith; // For each entry one of these, or -1.
+    std::optional<NearNames> m_nearPlugins;
+    std::optional<NearNames> m_nearTools;
+    std::optional<NearNames> m_nearListed;
+    qint64 m_comparisons = 0;
 };
 
 void ConfigurationCheck::run()
 {
     checkList();
     checkDuplicateKeys();
-    m_dependencies = checkDependencies(m_configuration);
     for (int i = 0; i < m_configuration.entries.size(); ++i)
         checkEntry(i);
     addCycles();
@@ -102,6 +162,25 @@ void ConfigurationCheck::add(Code code, const QString &plugin, Place place, cons
     m_explained.insert({place.line, place.column});
     m_report.add(
         {code, m_configuration.file, plugin, m_configuration.file, place, message, consequence, advice});
+}
+
+void ConfigurationCheck::listPluginsCheckedHere(const CheckedConfiguration &checked,
+                                                const std::vector<CheckedConfiguration> &all)
+{
+    const auto list = [&](const Configuration &file) {
+        for (int i = 0; i < file.entries.size(); ++i) {
+            if (file.counts(i))
+                m_pluginsCheckedHere.append(file.entries.at(i).name);
+        }
+    };
+    if (m_tables == &checked)
+        list(m_configuration);
+    m_ownPlugins = int(m_pluginsCheckedHere.size());
+    for (const CheckedConfiguration &other : all) {
+        if (&other != &checked && tablesFor(other, all) == &checked)
+            list(other.file);
+    }
+    m_refusedWith = refusedWithEntries(m_pluginsCheckedHere, m_configuration, m_dependencies);
 }
 
 void ConfigurationCheck::checkList()
@@ -133,9 +212,9 @@ void ConfigurationCheck::checkList()
         add(Code::ConfigList, {}, m_configuration.places.list, QStringLiteral("\"pluginList\" is no array."),
             consequence, advice);
     } else if (m_configuration.entries.isEmpty()) {
-        add(Code::ConfigList, {}, m_configuration.places.list,
+        add(Code::ConfigEmpty, {}, m_configuration.places.list,
             QStringLiteral("\"pluginList\" lists no plug-in."), consequence,
-            QStringLiteral("List the set's plug-ins, or leave this file out of what you ship."));
+            QStringLiteral("Nothing, if the set is to be empty; otherwise list its plug-ins."));
     }
 }
 
@@ -145,12 +224,11 @@ void ConfigurationCheck::checkDuplicateKeys()
         const QString plugin = duplicate.entry >= 0 && duplicate.entry < m_configuration.entries.size()
                                    ? m_configuration.entries.at(duplicate.entry).name
                                    : QString();
+        const QString first = lineText(duplicate.first, duplicate.second);
         add(Code::DuplicateKey, plugin, duplicate.second,
-            QStringLiteral("The key \"%1\" stands in one object twice, first in line %2.")
-                .arg(shown(duplicate.key))
-                .arg(duplicate.first.line),
-            QStringLiteral("The later one counts. What stands under the one in line %1 is lost.")
-                .arg(duplicate.first.line),
+            QStringLiteral("The key \"%1\" stands in one object twice, first in %2.")
+                .arg(shown(duplicate.key), first),
+            QStringLiteral("The later one counts. What stands under the one in %1 is lost.").arg(first),
             QStringLiteral("Take one of them out."));
     }
 }
@@ -172,21 +250,19 @@ void ConfigurationCheck::checkEntry(int index)
     }
     if (!m_configuration.counts(index)) {
         const Entry &winner = m_configuration.entries.at(m_configuration.entryOfName.value(entry.name));
+        const QString place = lineText(winner.places.name, entry.places.name);
         add(Code::DuplicateName, entry.name, entry.places.name,
-            QStringLiteral("\"%1\" is listed again in line %2.")
-                .arg(shown(entry.name))
-                .arg(winner.places.name.line),
-            QStringLiteral(
-                "The entry in line %1 counts, with version %2. This one, with version %3, does not.")
-                .arg(winner.places.name.line)
-                .arg(written(winner.version), written(entry.version)),
+            QStringLiteral("\"%1\" is listed again in %2.").arg(shown(entry.name), place),
+            QStringLiteral("The entry in %1 counts, with version %2. This one, with version %3, does not.")
+                .arg(place, written(winner.version), written(entry.version)),
             QStringLiteral("Take one of them out."));
         return;
     }
     checkName(entry);
     checkVersion(entry);
+    checkRefusal(entry);
     for (int i = 0; i < entry.dependencies.size(); ++i)
-        checkDependency(index, i, m_dependencies.states.at(index).at(i));
+        checkDependency(index, i, m_dependencies.dependencies.at(index).at(i).state);
 }
 
 void ConfigurationCheck::checkName(const Entry &entry)
@@ -211,6 +287,17 @@ void ConfigurationCheck::checkName(const Entry &entry)
                 "If the library is there, it is loaded under this name, and no operation finds it: "
                 "they ask for the bare file name."),
             QStringLiteral("Write the file name alone, and name the folder to the loader."));
+    } else if (name == QLatin1String(".") || name == QLatin1String("..")) {
+        add(Code::NamePath, name, place, QStringLiteral("The name \"%1\" stands for a folder.").arg(name),
+            QStringLiteral("The manager looks for a library \"%1.dll\", which nobody means.").arg(name),
+            QStringLiteral("Write the name of the library's file, without \".dll\"."));
+    } else if (name.contains(':')) {
+        add(Code::NamePath, name, place,
+            QStringLiteral("The name \"%1\" has a colon in it.").arg(shown(name)),
+            QStringLiteral(
+                "On Windows what stands before it is a drive. If the library is there, it is loaded under "
+                "this name, and no operation finds it: they ask for the bare file name."),
+            QStringLiteral("Write the file name alone, and name the folder to the loader."));
     } else if (name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive)) {
         add(Code::NameSuffix, name, place, QStringLiteral("The name \"%1\" has the suffix.").arg(shown(name)),
             QStringLiteral("The manager appends \".dll\" and looks for \"%1.dll\".").arg(shown(name)),
@@ -220,6 +307,45 @@ void ConfigurationCheck::checkName(const Entry &entry)
     }
 }
 
+/// Where both are listed, a name like another is one of its own.
+bool ConfigurationCheck::isAnotherOf(const QString &meant, const QString &name) const
+{
+    return m_configuration.entryOfName.contains(meant) && meant.compare(name, Qt::CaseInsensitive) != 0;
+}
+
+/// A name that a manager asks for and that this one is like, or an empty text.
+QString ConfigurationCheck::requestedLike(const QString &name, Set set)
+{
+    std::optional<NearNames> &near = set == Set::Desktop ? m_nearTools : m_nearPlugins;
+    if (!near) {
+        QStringList names;
+        for (const Request &request : requestsOf(set))
+            names.append(request.name);
+        near.emplace(names);
+    }
+    return near->of(name).value(0);
+}
+
+/// Says that a name, or one like it, is one of the other manager's.
+void ConfigurationCheck::checkRequestOfOther(const Entry &entry, const QString &meant, Set other)
+{
+    if (meant.isEmpty())
+        return;
+    const bool isTool = other == Set::Desktop;
+    const QString what = isTool ? QStringLiteral("a tool of the desktop manager")
+                                : QStringLiteral("a plug-in of the CAM manager");
+    add(Code::NameNearMiss, entry.name, entry.places.name,
+        meant == entry.name ? QStringLiteral("\"%1\" is %2.").arg(shown(entry.name), what)
+                            : QStringLiteral("Nothing asks for \"%1\", but for \"%2\", %3.")
+                                  .arg(shown(entry.name), meant, what),
+        QStringLiteral("This file is read by the %1 manager, which has no operation that asks for it.")
+            .arg(isTool ? QStringLiteral("CAM") : QStringLiteral("desktop")),
+        meant == entry.name
+            ? QStringLiteral("List it in the file of its own manager.")
+            : QStringLiteral("List it as \"%1\" in the file of its own manager, if that is what it is.")
+                  .arg(meant));
+}
+
 void ConfigurationCheck::checkRequest(const Entry &entry)
 {
     const Set set = m_configuration.set;
@@ -227,24 +353,13 @@ void ConfigurationCheck::checkRequest(const Entry &entry)
         return;
     const Set other = set == Set::Desktop ? Set::Cam : Set::Desktop;
     if (requestNamed(entry.name, other)) {
-        add(Code::NameNearMiss, entry.name, entry.places.name,
-            other == Set::Desktop ? QStringLiteral("\"%1\" is a tool of the desktop manager.").arg(entry.name)
-                                  : QStringLiteral("\"%1\" is a plug-in of the CAM manager.").arg(entry.name),
-            QStringLiteral("This file is read by the %1 manager, which has no operation that asks for it.")
-                .arg(set == Set::Desktop ? QStringLiteral("desktop") : QStringLiteral("CAM")),
-            QStringLiteral("List it in the file of its own manager."));
+        checkRequestOfOther(entry, entry.name, other);
         return;
     }
-    if (!m_nearRequests) {
-        QStringList names;
-        for (const Request &request : requestsOf(set))
-            names.append(request.name);
-        m_nearRequests.emplace(names);
-    }
-    const QString meant = m_nearRequests->of(entry.name).value(0);
-    const bool differsByCapitals = meant.compare(entry.name, Qt::CaseInsensitive) == 0;
-    // Where both are listed, a name like another is one of its own.
-    if (meant.isEmpty() || (m_configuration.entryOfName.contains(meant) && !differsByCapitals))
+    const QString meant = requestedLike(entry.name, set);
+    if (meant.isEmpty())
+        checkRequestOfOther(entry, requestedLike(entry.name, other), other);
+    if (meant.isEmpty() || isAnotherOf(meant, entry.name))
         return;
     add(Code::NameNearMiss, entry.name, entry.places.name,
         QStringLiteral("Nothing asks for \"%1\", but for \"%2\".").arg(shown(entry.name), meant),
@@ -264,101 +379,176 @@ void ConfigurationCheck::checkVersion(const Entry &entry)
         QStringLiteral(
             "It is compared by conversion: a plug-in that needs the version as a text may be satisfied "
             "by another text than the one you see, and one that needs a number by surprise."),
-        QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(entry.version))));
+        adviceOnVersion(entry.version));
+}
+
+bool ConfigurationCheck::isRefused(const QString &plugin) const
+{
+    return m_tables && PluginCheck::isRefused(plugin, m_tables->file, m_tables->dependencies);
+}
+
+void ConfigurationCheck::checkRefusal(const Entry &entry)
+{
+    if (!isRefused(entry.name))
+        return;
+    const QString name = shown(entry.name);
+    const Place place = m_tables->file.entries.at(entryChecked(m_tables->file, entry.name)).places.entry;
+    const QString file =
+        m_configuration.set == Set::Dfm
+            ? QStringLiteral("%1, line %2").arg(m_tables->file.file, QString::number(place.line))
+            : lineText(place, entry.places.name);
+    add(Code::PluginRefused, entry.name, entry.places.name,
+        QStringLiteral("\"%1\" is not loaded: the dependencies of \"%1.dll\" (%2) are not met.")
+            .arg(name, file),
+        QStringLiteral(
+            "The manager looks the plug-in's dependencies up under \"%1.dll\", logs that they do not "
+            "hold, and passes the library over.")
+            .arg(name),
+        QStringLiteral("Take the entry \"%1.dll\" out, or have its dependencies met.").arg(name));
 }
 
 /// What the manager does about dependencies that are not met, told for the entry that they stand in.
-QString ConfigurationCheck::consequenceOf(const Entry &entry) const
+QString ConfigurationCheck::consequenceOf(int index) const
 {
-    if (m_configuration.set == Set::Dfm)
+    const QString &name = m_configuration.entries.at(index).name;
+    const QString loads = QStringLiteral("The manager loads the plug-in all the same: ");
+    if (m_configuration.set == Set::Dfm) {
+        if (!m_tables)
+            return QStringLiteral("The manager never looks at the dependencies in a DFM file.");
+        return isRefused(name)
+                   ? QStringLiteral(
+                         "The manager does not load the plug-in, but for those of \"%1.dll\" in the CAM "
+                         "file: it never looks at the dependencies in a DFM file.")
+                         .arg(shown(name))
+                   : loads + QStringLiteral("it never looks at the dependencies in a DFM file.");
+    }
+    const int refused = m_refusedWith.at(index);
+    if (refused >= 0) {
+        const QString plugin = m_pluginsCheckedHere.at(refused);
         return QStringLiteral(
-            "The manager loads the plug-in all the same: it never looks at the dependencies in "
-            "a DFM file.");
-    const QString checked =
-        entry.name.endsWith(QLatin1String(".dll")) ? entry.name.chopped(int(qstrlen(".dll"))) : QString();
-    if (!checked.isEmpty() && m_configuration.entryOfName.contains(checked))
+                   "The manager refuses to load \"%1\"%2: it looks dependencies up under the file name "
+                   "\"%1.dll\", which %3.")
+            .arg(shown(plugin), refused < m_ownPlugins ? QString() : QStringLiteral(" of the DFM set"),
+                 entryChecked(m_configuration, plugin) == index ? QStringLiteral("is this entry")
+                                                                : QStringLiteral("leads to this entry"));
+    }
+    if (isRefused(name))
         return QStringLiteral(
-                   "The manager refuses to load \"%1\": it looks dependencies up under the file name "
-                   "\"%2\", which is this entry.")
-            .arg(shown(checked), shown(entry.name));
-    return QStringLiteral(
-               "The manager loads the plug-in all the same: it looks dependencies up under \"%1.dll\", "
-               "and the list has \"%1\".")
-        .arg(shown(entry.name));
+                   "The manager does not load the plug-in, but for those of \"%1.dll\": that is where it "
+                   "looks dependencies up.")
+            .arg(shown(name));
+    if (entryChecked(m_configuration, name) >= 0)
+        return loads
+               + QStringLiteral("it looks dependencies up under \"%1.dll\", which is an entry of its own.")
+                     .arg(shown(name));
+    return loads
+           + QStringLiteral("it looks dependencies up under \"%1.dll\", and the list has \"%1\".")
+                 .arg(shown(name));
 }
 
 bool ConfigurationCheck::isMetByCamSet(const Dependency &dependency) const
 {
-    return std::any_of(m_all.begin(), m_all.end(), [&](const Configuration &configuration) {
-        const int entry = configuration.set == Set::Cam ? entryNamed(configuration, dependency.name) : -1;
-        return entry >= 0 && configuration.entries.at(entry).version == dependency.version;
-    });
+    const int entry = m_tables ? entryNamed(m_tables->file, dependency.name) : -1;
+    return entry >= 0 && m_tables->file.entries.at(entry).version == dependency.version;
+}
+
+/// Names of the list that a missing one may have been meant for. Looking for them takes a pass over all names
+/// of about its length, so that in a long list only the first are told what they may mean.
+QStringList ConfigurationCheck::listedLike(const QString &name)
+{
+    constexpr qint64 mostComparisons = 2000000;
+    if (m_comparisons > mostComparisons)
+        return {};
+    m_comparisons += m_configuration.entries.size();
+    if (!m_nearListed) {
+        QStringList names;
+        for (int i = 0; i < m_configuration.entries.size(); ++i) {
+            if (m_configuration.counts(i))
+                names.append(m_configuration.entries.at(i).name);
+        }
+        m_nearListed.emplace(names);
+    }
+    return m_nearListed->of(name, 2);
+}
+
+/// What is said of a dependency that is not in the list.
+QString ConfigurationCheck::missingText(int index, const Dependency &dependency) const
+{
+    const QString plugin = shown(m_configuration.entries.at(index).name);
+    if (!dependency.name.isValid())
+        return QStringLiteral("\"%1\" has a dependency without a name, which no list has.").arg(plugin);
+    const QString needed = QStringLiteral("\"%1\" needs \"%2\" %3")
+                               .arg(plugin, shown(textOf(dependency.name)), written(dependency.version));
+    const int other =
+        m_configuration.set == Set::Dfm && m_tables ? entryNamed(m_tables->file, dependency.name) : -1;
+    if (other < 0)
+        return needed + QStringLiteral(", which the list does not have.");
+    return needed
+           + QStringLiteral(", and the CAM file has version %1.")
+                 .arg(written(m_tables->file.entries.at(other).version));
 }
 
 void ConfigurationCheck::checkDependency(int index, int number, DependencyState state)
 {
     const Entry &entry = m_configuration.entries.at(index);
     const Dependency &dependency = entry.dependencies.at(number);
-    // The schema says so, and better.
-    if (!dependency.name.isValid() || !dependency.version.isValid())
-        return;
     const QString name = shown(textOf(dependency.name));
-    if (dependency.version.userType() != QMetaType::QString) {
+    const bool hasVersion = dependency.version.isValid();
+    if (hasVersion && dependency.version.userType() != QMetaType::QString) {
         add(Code::VersionType, entry.name, dependency.places.version,
             QStringLiteral("\"%1\" needs \"%2\" in version %3, which is no text.")
                 .arg(shown(entry.name), name, written(dependency.version)),
             state == DependencyState::Version
                 ? QStringLiteral("The two versions are not equal to the manager, though they may look equal.")
                 : QStringLiteral("It is compared by conversion."),
-            QStringLiteral("Write \"version\": \"%1\".").arg(shown(textOf(dependency.version))));
+            adviceOnVersion(dependency.version));
     }
     if (state == DependencyState::Missing) {
-        const QString what = QStringLiteral("\"%1\" needs \"%2\" %3, which the list does not have.")
-                                 .arg(shown(entry.name), name, written(dependency.version));
+        const QString what = missingText(index, dependency);
         if (m_configuration.set == Set::Dfm) {
-            checkIgnored(entry, dependency, what);
+            checkIgnored(index, dependency, what);
             return;
         }
-        QStringList near;
-        constexpr int mostSearches = 100; // Each is a pass over the list.
-        if (m_searches++ < mostSearches) {
-            QStringList names;
-            for (const Entry &other : m_configuration.entries)
-                names.append(other.name);
-            near = NearNames(names).of(textOf(dependency.name), 2);
+        if (!dependency.name.isValid()) {
+            add(Code::DependencyMissing, entry.name, dependency.places.entry, what, consequenceOf(index),
+                QStringLiteral("Name the plug-in that is needed, or take the dependency out."));
+            return;
         }
-        add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(entry),
+        const QStringList near = listedLike(textOf(dependency.name));
+        add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(index),
             near.isEmpty() ? QStringLiteral("List \"%1\", or take the dependency out.").arg(name)
                            : didYouMean(near));
     } else if (state == DependencyState::Version) {
         const Entry &needed = m_configuration.entries.at(entryNamed(m_configuration, dependency.name));
         const QString what =
-            QStringLiteral("\"%1\" needs \"%2\" in version %3, and the list has version %4 (line %5).")
-                .arg(shown(entry.name), name, written(dependency.version), written(needed.version))
-                .arg(needed.places.version.line);
+            QStringLiteral("\"%1\" needs \"%2\" in version %3, and the list has version %4 (%5).")
+                .arg(shown(entry.name), name, written(dependency.version), written(needed.version),
+                     lineText(needed.places.version, dependency.places.name));
         if (m_configuration.set == Set::Dfm) {
-            checkIgnored(entry, dependency, what);
+            checkIgnored(index, dependency, what);
             return;
         }
-        add(Code::DependencyVersion, entry.name, dependency.places.version, what, consequenceOf(entry),
+        add(Code::DependencyVersion, entry.name, dependency.places.version, what, consequenceOf(index),
             QStringLiteral(
                 "Ship the version that is needed, or correct the version here: only an equal one is "
                 "right, \"1.0\" is not \"1.00\"."));
     } else if (state == DependencyState::Self) {
         add(Code::DependencySelf, entry.name, dependency.places.name,
-            QStringLiteral("\"%1\" depends on itself.").arg(shown(entry.name)), consequenceOf(entry),
+            QStringLiteral("\"%1\" depends on itself.").arg(shown(entry.name)), consequenceOf(index),
             QStringLiteral("Take the dependency out."));
     }
 }
 
-void ConfigurationCheck::checkIgnored(const Entry &entry, const Dependency &dependency, const QString &what)
+void ConfigurationCheck::checkIgnored(int index, const Dependency &dependency, const QString &what)
 {
+    const Entry &entry = m_configuration.entries.at(index);
     if (isMetByCamSet(dependency))
         return;
-    add(Code::DependencyIgnored, entry.name, dependency.places.name, what, consequenceOf(entry),
-        QStringLiteral(
-            "Correct it, for those who read it. If it is a plug-in of the CAM set, name the CAM file in "
-            "the same call."));
+    add(Code::DependencyIgnored, entry.name, dependency.places.name, what, consequenceOf(index),
+        m_tables ? QStringLiteral("Correct it, for those who read it.")
+                 : QStringLiteral(
+                     "Correct it, for those who read it. If it is a plug-in of the CAM set, name the CAM "
+                     "file in the same call."));
 }
 
 void ConfigurationCheck::addCycles()
@@ -375,8 +565,11 @@ void ConfigurationCheck::addCycles()
         add(Code::DependencyCycle, first.name, closing->places.name,
             QStringLiteral("The dependencies form a circle: %1.")
                 .arg(shortened(names, QStringLiteral(" -> "))),
-            consequenceOf(first), QStringLiteral("Take one of these dependencies out."));
+            consequenceOf(cycle.first()), QStringLiteral("Take one of these dependencies out."));
     }
+    if (m_dependencies.hasMoreCycles)
+        m_report.leaveOut(
+            QStringLiteral("%1: of many circles of dependencies not all are told").arg(m_configuration.file));
 }
 
 /// What the schema finds, where no other finding has said it already.
@@ -385,12 +578,15 @@ void ConfigurationCheck::checkSchema()
     if (!m_configuration.isObject)
         return;
     for (const SchemaMistake &mistake : schemaMistakes(m_configuration)) {
-        if (m_explained.contains({mistake.place.line, mistake.place.column}))
+        // What is said of the name of an entry without one stands at the entry, too.
+        const bool isOfVersion = mistake.missingKey == QLatin1String("version");
+        if (!isOfVersion && m_explained.contains({mistake.place.line, mistake.place.column}))
             continue;
         const QString plugin =
             mistake.entry >= 0 ? m_configuration.entries.at(mistake.entry).name : QString();
-        add(Code::ConfigSchema, plugin, mistake.place, mistake.message, mistake.consequence,
-            QStringLiteral("Correct it; docs/configuration.md has the format."));
+        m_report.add({Code::ConfigSchema, m_configuration.file, plugin, m_configuration.file, mistake.place,
+                      mistake.message, mistake.consequence,
+                      QStringLiteral("Correct it; docs/configuration.md has the format.")});
     }
 }
 
@@ -405,7 +601,7 @@ void ConfigurationCheck::addReport()
                             entry.places.entry.line};
         for (int j = 0; j < entry.dependencies.size(); ++j) {
             const Dependency &dependency = entry.dependencies.at(j);
-            const DependencyState state = m_dependencies.states.at(i).at(j);
+            const DependencyState state = m_dependencies.dependencies.at(i).at(j).state;
             const bool ignored = m_configuration.set == Set::Dfm;
             const char *text = "met";
             if (state == DependencyState::Missing)
@@ -431,8 +627,12 @@ void ConfigurationCheck::addReport()
 
 void checkConfigurations(const QVector<Configuration> &configurations, Report &report)
 {
+    std::vector<CheckedConfiguration> all;
+    all.reserve(std::size_t(configurations.size()));
     for (const Configuration &configuration : configurations)
-        ConfigurationCheck(configuration, configurations, report).run();
+        all.push_back({configuration, checkDependencies(configuration)});
+    for (const CheckedConfiguration &checked : all)
+        ConfigurationCheck(checked, all, report).run();
     if (!knowsSchema())
         report.leaveOut(
             QStringLiteral("Configuration files were not compared with their schema: this build has no "

@@ -50,6 +50,8 @@ private:
     void close();
     void startValue();
     void takeKey(const QByteArray &raw, Place place);
+    void noteUnknownKey(const Container &container, Place place);
+    void forgetUnknownKeysOfDependencies();
     Role roleOfValue() const;
     void note(Role role, Place place);
     void advance();
@@ -159,12 +161,38 @@ void Scanner::takeKey(const QByteArray &raw, Place place)
     const auto known = container.keys.constFind(container.key);
     if (known == container.keys.constEnd()) {
         container.keys.insert(container.key, place);
+        noteUnknownKey(container, place);
         return;
     }
     const bool inList = std::any_of(m_containers.begin(), m_containers.end(),
                                     [](const Container &outer) { return outer.role == Role::List; });
     m_places.duplicateKeys.append(
         {QString::fromUtf8(container.key), inList ? int(m_places.entries.size()) - 1 : -1, *known, place});
+}
+
+void Scanner::noteUnknownKey(const Container &container, Place place)
+{
+    const bool isEntry = container.role == Role::Entry;
+    if ((!isEntry && container.role != Role::Dependency) || m_places.entries.isEmpty())
+        return;
+    const QByteArray &key = container.key;
+    if (key == "name" || key == "version" || (isEntry && key == "dependencies"))
+        return;
+    const int dependency = isEntry ? -1 : int(m_places.entries.last().dependencies.size()) - 1;
+    m_places.unknownKeys.append(
+        {QString::fromUtf8(key), int(m_places.entries.size()) - 1, dependency, place});
+}
+
+/// Of two lists of dependencies in one entry the earlier one is lost.
+void Scanner::forgetUnknownKeysOfDependencies()
+{
+    QVector<UnknownKey> &keys = m_places.unknownKeys;
+    const int entry = int(m_places.entries.size()) - 1;
+    auto ofEntry = keys.end();
+    while (ofEntry != keys.begin() && std::prev(ofEntry)->entry == entry)
+        --ofEntry;
+    const auto isForgotten = [](const UnknownKey &key) { return key.dependency >= 0; };
+    keys.erase(std::remove_if(ofEntry, keys.end(), isForgotten), keys.end());
 }
 
 /// What the value is that begins here, by what it stands in.
@@ -196,10 +224,13 @@ void Scanner::note(Role role, Place place)
     } else if (role == Role::List) {
         m_places.list = place;
         m_places.entries.clear();
+        m_places.unknownKeys.clear();
     } else if (role == Role::Entry) {
-        m_places.entries.append({place, place, place});
+        m_places.entries.append({place, place, place, place});
     } else if (role == Role::Dependencies && !m_places.entries.isEmpty()) {
+        m_places.entries.last().dependencyList = place;
         m_places.entries.last().dependencies.clear();
+        forgetUnknownKeysOfDependencies();
     } else if (role == Role::Dependency && !m_places.entries.isEmpty()) {
         m_places.entries.last().dependencies.append({place, place, place});
     } else if (role == Role::Other && !m_containers.empty() && m_containers.back().isObject

@@ -19,7 +19,19 @@ struct EntryPlaces
     Place entry;
     Place name;
     Place version;
+    /// The value of the key "dependencies", and what stands in it.
+    Place dependencyList = {};
     QVector<DependencyPlaces> dependencies = {};
+};
+
+/// A key of an entry or of a dependency that nobody reads.
+struct UnknownKey
+{
+    QString key;
+    int entry;
+    /// The dependency of the entry that it stands in, or -1.
+    int dependency;
+    Place place;
 };
 
 /// A key that stands twice in one object.
@@ -38,6 +50,8 @@ struct ConfigurationPlaces
     Place list;
     QVector<EntryPlaces> entries;
     QVector<DuplicateKey> duplicateKeys;
+    /// In the order of the text.
+    QVector<UnknownKey> unknownKeys = {};
 };
 
 /**

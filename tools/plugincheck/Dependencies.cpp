@@ -1,5 +1,7 @@
 #include "Dependencies.h"
 
+#include <QtCore/QSet>
+
 #include <algorithm>
 
 namespace PluginCheck {
@@ -76,29 +78,80 @@ private:
     int m_number = 0;
 };
 
-/// The shortest way from an entry back to itself inside its group.
-QVector<int> shortestCircle(int start, const QVector<QVector<int>> &edges, const Groups &groups)
+/// Finds circles until each dependency inside a group is in one.
+class Circles
 {
-    QHash<int, int> cameFrom;
-    QVector<int> reached{start};
-    for (int i = 0; i < reached.size(); ++i) {
-        const int node = reached.at(i);
-        for (const int next : edges.at(node)) {
-            if (next == start) {
-                QVector<int> circle{start};
-                for (int step = node; step != start; step = cameFrom.value(step))
-                    circle.append(step);
-                circle.append(start);
-                std::reverse(circle.begin(), circle.end());
-                return circle;
-            }
-            if (groups.groupOf(next) == groups.groupOf(start) && !cameFrom.contains(next)) {
-                cameFrom.insert(next, node);
+public:
+    Circles(const QVector<QVector<int>> &edges, const Groups &groups)
+        : m_edges(edges)
+        , m_groups(groups)
+        , m_cameFrom(edges.size(), -1)
+    {
+    }
+
+    /// Whether this many more may be looked for, by what they have cost so far.
+    bool mayGoOn() const { return m_steps < mostSteps; }
+
+    /// The shortest circle that begins with a dependency.
+    QVector<int> through(int from, int to)
+    {
+        QVector<int> reached{to};
+        m_cameFrom[to] = from;
+        for (int i = 0; i < reached.size() && m_cameFrom.at(from) < 0; ++i) {
+            for (const int next : m_edges.at(reached.at(i))) {
+                ++m_steps;
+                if (m_groups.groupOf(next) != m_groups.groupOf(from) || m_cameFrom.at(next) >= 0)
+                    continue;
+                m_cameFrom[next] = reached.at(i);
                 reached.append(next);
             }
         }
+        QVector<int> circle{from};
+        for (int step = m_cameFrom.at(from); step != from; step = m_cameFrom.at(step))
+            circle.append(step);
+        circle.append(from);
+        std::reverse(circle.begin(), circle.end());
+        for (int i = 0; i + 1 < circle.size(); ++i)
+            m_told.insert({circle.at(i), circle.at(i + 1)});
+        for (const int node : qAsConst(reached))
+            m_cameFrom[node] = -1;
+        return circle;
     }
-    return {};
+
+    bool isTold(int from, int to) const { return m_told.contains({from, to}); }
+
+private:
+    static constexpr qint64 mostSteps = 1000000;
+
+    const QVector<QVector<int>> &m_edges;
+    const Groups &m_groups;
+    QVector<int> m_cameFrom;
+    QSet<QPair<int, int>> m_told;
+    qint64 m_steps = 0;
+};
+
+/// One circle for each group, and then more of them.
+void addCycles(DependencyResults &results, const QVector<QVector<int>> &edges, const Groups &groups)
+{
+    constexpr int mostFurther = 100;
+    Circles circles(edges, groups);
+    QSet<int> told;
+    int further = 0;
+    for (int node = 0; node < edges.size(); ++node) {
+        const int group = groups.groupOf(node);
+        for (const int next : edges.at(node)) {
+            if (groups.groupOf(next) != group || circles.isTold(node, next))
+                continue;
+            const bool isFirst = !told.contains(group);
+            if (!isFirst && (further == mostFurther || !circles.mayGoOn())) {
+                results.hasMoreCycles = true;
+                continue;
+            }
+            told.insert(group);
+            further += isFirst ? 0 : 1;
+            results.cycles.append(circles.through(node, next));
+        }
+    }
 }
 
 /// What needs something unsound is unsound.
@@ -140,7 +193,7 @@ int entryNamed(const Configuration &configuration, const QVariant &name)
 DependencyResults checkDependencies(const Configuration &configuration)
 {
     const int count = int(configuration.entries.size());
-    DependencyResults results{QVector<QVector<DependencyState>>(count), QVector<bool>(count, true), {}};
+    DependencyResults results{QVector<QVector<DependencyResult>>(count), QVector<bool>(count, true), {}};
     QVector<QVector<int>> edges(count);
     for (int i = 0; i < count; ++i) {
         if (!configuration.counts(i))
@@ -150,37 +203,69 @@ DependencyResults checkDependencies(const Configuration &configuration)
             DependencyState state = DependencyState::Met;
             if (needed < 0)
                 state = DependencyState::Missing;
+            else if (needed == i)
+                state = DependencyState::Self;
             else if (configuration.entries.at(needed).version != dependency.version)
                 state = DependencyState::Version;
-            else
+            if (needed >= 0 && needed != i)
                 edges[i].append(needed);
-            if (needed == i && state == DependencyState::Met)
-                state = DependencyState::Self;
-            results.states[i].append(state);
+            results.dependencies[i].append({state, needed});
             results.sound[i] = results.sound.at(i) && state == DependencyState::Met;
         }
     }
 
     const Groups groups(edges);
-    QVector<bool> shown(count, false);
     for (int i = 0; i < count; ++i) {
         if (groups.size(i) == 1)
             continue;
+        // With a dependency of another version in the circle the check fails there instead of going round.
         results.sound[i] = false;
-        const QVector<Dependency> &dependencies = configuration.entries.at(i).dependencies;
-        for (int j = 0; j < dependencies.size(); ++j) {
-            DependencyState &state = results.states[i][j];
-            const int needed = entryNamed(configuration, dependencies.at(j).name);
-            if (state == DependencyState::Met && groups.groupOf(needed) == groups.groupOf(i))
-                state = DependencyState::Cycle;
-        }
-        if (!shown.at(groups.groupOf(i))) {
-            shown[groups.groupOf(i)] = true;
-            results.cycles.append(shortestCircle(i, edges, groups));
+        for (DependencyResult &result : results.dependencies[i]) {
+            if (result.state == DependencyState::Met && groups.groupOf(result.needed) == groups.groupOf(i))
+                result.state = DependencyState::Cycle;
         }
     }
+    addCycles(results, edges, groups);
     spread(results.sound, edges);
     return results;
+}
+
+int entryChecked(const Configuration &configuration, const QString &plugin)
+{
+    return configuration.entryOfName.value(plugin + QLatin1String(".dll"), -1);
+}
+
+bool isRefused(const QString &plugin, const Configuration &configuration, const DependencyResults &results)
+{
+    const int entry = entryChecked(configuration, plugin);
+    return entry >= 0 && !results.sound.at(entry);
+}
+
+QVector<int> refusedWithEntries(const QStringList &plugins, const Configuration &configuration,
+                                const DependencyResults &results)
+{
+    QVector<int> refused(configuration.entries.size(), -1);
+    QVector<int> reached;
+    for (int i = 0; i < plugins.size(); ++i) {
+        const int entry = entryChecked(configuration, plugins.at(i));
+        if (entry < 0 || results.sound.at(entry) || refused.at(entry) >= 0)
+            continue;
+        refused[entry] = i;
+        reached.append(entry);
+    }
+    for (int i = 0; i < reached.size(); ++i) {
+        const int entry = reached.at(i);
+        for (const DependencyResult &result : results.dependencies.at(entry)) {
+            // At any other the manager goes no further.
+            const bool isWalked =
+                result.state == DependencyState::Met || result.state == DependencyState::Cycle;
+            if (!isWalked || results.sound.at(result.needed) || refused.at(result.needed) >= 0)
+                continue;
+            refused[result.needed] = refused.at(entry);
+            reached.append(result.needed);
+        }
+    }
+    return refused;
 }
 
 }

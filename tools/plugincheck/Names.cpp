@@ -4,7 +4,11 @@
 #include "elementFactories_p.h"
 #include "frameFactories_p.h"
 
+#include <QtCore/QtAlgorithms>
+
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 
 namespace PluginCheck {
 
@@ -52,25 +56,36 @@ QVector<Request> desktopRequests()
     return requests;
 }
 
+constexpr int mostDifferences = 2;
+
 /// How many letters must be put in, taken out, exchanged or swapped with their neighbour to make one text of
-/// the other; `limit` + 1 if that is more than `limit`.
+/// the other; `limit` + 1 if that is more than `limit`, which is at most `mostDifferences`. Only the cells of
+/// the table that are no farther than `limit` from its diagonal can be as little.
 int distance(const QString &left, const QString &right, int limit)
 {
     const int columns = int(right.size());
     if (std::abs(int(left.size()) - columns) > limit)
         return limit + 1;
-    std::vector<int> beforePrevious;
-    std::vector<int> previous(std::size_t(columns) + 1);
-    std::vector<int> current(std::size_t(columns) + 1);
-    for (int column = 0; column <= columns; ++column)
-        previous[std::size_t(column)] = column;
+    using Row = std::array<int, longestName + 1>;
+    Row rows[3];
+    for (int column = 0; column <= std::min(columns, limit); ++column)
+        rows[0][std::size_t(column)] = column;
     for (int row = 1; row <= left.size(); ++row) {
-        current[0] = row;
-        int least = row;
-        for (int column = 1; column <= columns; ++column) {
+        Row &current = rows[row % 3];
+        const Row &previous = rows[(row + 2) % 3];
+        const Row &beforePrevious = rows[(row + 1) % 3];
+        const int first = std::max(0, row - limit);
+        const int last = std::min(columns, row + limit);
+        int least = limit + 1;
+        for (int column = first; column <= last; ++column) {
             const auto at = std::size_t(column);
-            const bool same = left.at(row - 1) == right.at(column - 1);
-            int cost = std::min({previous[at] + 1, current[at - 1] + 1, previous[at - 1] + (same ? 0 : 1)});
+            int cost = column < row + limit ? previous[at] + 1 : limit + 1;
+            if (column > first)
+                cost = std::min(cost, current[at - 1] + 1);
+            if (column > 0) {
+                const bool same = left.at(row - 1) == right.at(column - 1);
+                cost = std::min(cost, previous[at - 1] + (same ? 0 : 1));
+            }
             if (row > 1 && column > 1 && left.at(row - 1) == right.at(column - 2)
                 && left.at(row - 2) == right.at(column - 1))
                 cost = std::min(cost, beforePrevious[at - 2] + 1);
@@ -79,17 +94,26 @@ int distance(const QString &left, const QString &right, int limit)
         }
         if (least > limit)
             return limit + 1;
-        beforePrevious = previous;
-        previous.swap(current);
     }
-    return std::min(previous[std::size_t(columns)], limit + 1);
+    return std::min(rows[left.size() % 3][std::size_t(columns)], limit + 1);
+}
+
+/// One bit for each letter and digit, some of which share theirs. A difference of two texts changes at most two bits.
+quint64 kindsOf(const QString &letters)
+{
+    quint64 kinds = 0;
+    for (const QChar letter : letters)
+        kinds |= quint64(1) << (letter.unicode() % 64);
+    return kinds;
 }
 
 /// Names that differ by capitals and separators alone are nearest to each other.
 QString lettersOf(const QString &name)
 {
     QString letters = name.toLower();
-    letters.remove('_').remove('-').remove(' ');
+    const auto isSeparator = [](QChar letter) { return letter == '_' || letter == '-' || letter == ' '; };
+    const auto end = std::remove_if(letters.begin(), letters.end(), isSeparator);
+    letters.truncate(int(std::distance(letters.begin(), end)));
     return letters;
 }
 
@@ -116,32 +140,42 @@ QByteArray factoryOfAnyLibrary()
 }
 
 NearNames::NearNames(const QStringList &candidates)
+    : m_candidates(longestName + 1)
 {
-    m_candidates.reserve(candidates.size());
     for (const QString &candidate : candidates) {
-        if (candidate.size() <= longestName)
-            m_candidates.append({lettersOf(candidate), candidate});
+        if (candidate.size() > longestName)
+            continue;
+        const QString letters = lettersOf(candidate);
+        // Lower-case letters may be more than capitals.
+        if (letters.size() <= longestName)
+            m_candidates[letters.size()].append({letters, kindsOf(letters), candidate});
     }
 }
 
 QStringList NearNames::of(const QString &name, int most) const
 {
     constexpr int lettersForEachDifference = 6;
-    constexpr int mostDifferences = 2;
     if (name.size() > longestName)
         return {};
     const QString letters = lettersOf(name);
-    const int limit = std::min(mostDifferences, int(letters.size()) / lettersForEachDifference);
+    const int size = int(letters.size());
+    const quint64 kinds = kindsOf(letters);
+    const int limit = std::min(mostDifferences, size / lettersForEachDifference);
     QVector<QPair<int, QString>> near;
-    for (const Candidate &candidate : m_candidates) {
-        const int differences = distance(letters, candidate.letters, limit);
-        if (differences <= limit && candidate.name != name)
-            near.append({differences, candidate.name});
+    for (int length = std::max(0, size - limit); length <= std::min(longestName, size + limit); ++length) {
+        for (const Candidate &candidate : m_candidates.at(length)) {
+            if (int(qPopulationCount(kinds ^ candidate.kinds)) > 2 * limit)
+                continue;
+            const int differences = distance(letters, candidate.letters, limit);
+            if (differences <= limit && candidate.name != name)
+                near.append({differences, candidate.name});
+        }
     }
-    std::sort(near.begin(), near.end());
+    const auto wanted = near.begin() + std::min(int(near.size()), most);
+    std::partial_sort(near.begin(), wanted, near.end());
     QStringList names;
-    for (int i = 0; i < near.size() && i < most; ++i)
-        names.append(near.at(i).second);
+    for (auto found = near.begin(); found != wanted; ++found)
+        names.append(found->second);
     return names;
 }
 

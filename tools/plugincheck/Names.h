@@ -38,10 +38,13 @@ private:
     struct Candidate
     {
         QString letters;
+        /// Which letters and digits these are, one bit each.
+        quint64 kinds;
         QString name;
     };
 
-    QVector<Candidate> m_candidates;
+    /// By the number of letters, so that only those of about the same length are looked at.
+    QVector<QVector<Candidate>> m_candidates;
 };
 
 /// "did you mean", as part of an advice; empty when there are no such names.

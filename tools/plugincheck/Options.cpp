@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "TextReport.h"
+
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFileInfo>
 #include <QtCore/QThread>
@@ -42,7 +44,8 @@ bool outputIsTerminal()
 
 ParsedOptions refused(const QString &why)
 {
-    return {std::nullopt, QStringLiteral("plugincheck: %1\nplugincheck: see plugincheck --help\n").arg(why),
+    return {std::nullopt,
+            QStringLiteral("plugincheck: %1\nplugincheck: see plugincheck --help\n").arg(inOneLine(why)),
             usage};
 }
 

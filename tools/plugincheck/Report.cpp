@@ -48,8 +48,6 @@ QJsonObject toJson(const PluginReport &plugin, const QString &state)
     return object;
 }
 
-using Plugin = QPair<QString, QString>;
-
 }
 
 void Report::add(const Finding &finding)
@@ -57,6 +55,8 @@ void Report::add(const Finding &finding)
     const Check &check = checkOf(finding.code);
     ++m_counts[static_cast<std::size_t>(check.severity)];
     m_couldNotRead = m_couldNotRead || finding.code == Code::ConfigUnreadable;
+    const Plugin plugin(finding.configuration, finding.plugin);
+    m_worst.insert(plugin, std::max(check.severity, m_worst.value(plugin, Severity::Note)));
     int &count = m_countsByKind[{finding.configuration, int(finding.code)}];
     if (++count <= mostOfOneKind)
         m_findings.append(finding);
@@ -93,27 +93,29 @@ void Report::finish()
     m_leftOut += unlisted;
 }
 
+QString Report::stateOf(const QString &configuration, const PluginReport &plugin) const
+{
+    // A circle is told once, of the plug-in where it begins.
+    const auto isInCycle = [](const DependencyReport &dependency) {
+        return qstrcmp(dependency.state, "cycle") == 0;
+    };
+    if (std::any_of(plugin.dependencies.begin(), plugin.dependencies.end(), isInCycle))
+        return nameOf(checkOf(Code::DependencyCycle).severity);
+    const auto worst = m_worst.constFind({configuration, plugin.name});
+    return worst == m_worst.constEnd() ? QStringLiteral("good") : nameOf(*worst);
+}
+
 QJsonObject Report::toJson() const
 {
-    QHash<Plugin, Severity> worst;
     QJsonArray findings;
-    for (const Finding &finding : m_findings) {
-        const Severity severity = checkOf(finding.code).severity;
-        const Plugin plugin(finding.configuration, finding.plugin);
-        const auto known = worst.constFind(plugin);
-        if (known == worst.constEnd() || *known < severity)
-            worst.insert(plugin, severity);
+    for (const Finding &finding : m_findings)
         findings.append(PluginCheck::toJson(finding));
-    }
 
     QJsonArray all;
     for (const ConfigurationReport &configuration : configurations) {
         QJsonArray plugins;
-        for (const PluginReport &plugin : configuration.plugins) {
-            const auto severity = worst.constFind({configuration.file, plugin.name});
-            plugins.append(PluginCheck::toJson(plugin, severity == worst.constEnd() ? QStringLiteral("good")
-                                                                                    : nameOf(*severity)));
-        }
+        for (const PluginReport &plugin : configuration.plugins)
+            plugins.append(PluginCheck::toJson(plugin, stateOf(configuration.file, plugin)));
         QJsonArray cycles;
         for (const QStringList &cycle : configuration.cycles)
             cycles.append(QJsonArray::fromStringList(cycle));

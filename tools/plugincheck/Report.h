@@ -92,9 +92,14 @@ public:
     QVector<ConfigurationReport> configurations;
 
 private:
+    using Plugin = QPair<QString, QString>;
+
+    QString stateOf(const QString &configuration, const PluginReport &plugin) const;
+
     QVector<Finding> m_findings;
     QStringList m_leftOut;
     QHash<QPair<QString, int>, int> m_countsByKind;
+    QHash<Plugin, Severity> m_worst; // Of all findings, also of those that are not listed.
     std::array<int, 3> m_counts{};
     bool m_couldNotRead = false;
 };

@@ -61,9 +61,12 @@ void locate(SchemaMistake &mistake, const std::vector<std::string> &path, const 
         mistake.place = entry.name;
     else if (path.size() == 4 && path[3] == "[version]")
         mistake.place = entry.version;
+    else if (path.size() == 4)
+        mistake.place = entry.dependencyList;
     if (path.size() < 5)
         return;
-    const DependencyPlaces dependency = entry.dependencies.value(inner(path[4]).toInt());
+    mistake.dependency = inner(path[4]).toInt();
+    const DependencyPlaces dependency = entry.dependencies.value(mistake.dependency);
     mistake.place = dependency.entry;
     if (path.size() > 5)
         mistake.place = path[5] == "[name]" ? dependency.name : dependency.version;
@@ -77,19 +80,14 @@ const char takenForEmpty[] = "The manager takes it for an empty one.";
 void word(SchemaMistake &mistake, const QString &description, const std::vector<std::string> &path)
 {
     const QString last = path.empty() ? QString() : inner(path.back());
-    const QString quoted = description.section('\'', -2, -2);
+    const QString missing = description.section('\'', -2, -2);
     if (description.startsWith(QLatin1String("Missing required property"))) {
-        mistake.message = QStringLiteral("The key \"%1\" is missing.").arg(quoted);
+        mistake.message = QStringLiteral("The key \"%1\" is missing.").arg(missing);
+        mistake.missingKey = missing;
         mistake.consequence =
-            quoted == QLatin1String("version")
+            missing == QLatin1String("version")
                 ? QStringLiteral("The version is nothing, which equals no version that is needed.")
                 : QString::fromLatin1(takenForEmpty);
-    } else if (description.startsWith(QLatin1String("Object contains a property"))) {
-        const QStringList keys{QStringLiteral("name"), QStringLiteral("version"),
-                               QStringLiteral("dependencies")};
-        const QString meant = didYouMean(NearNames(keys).of(quoted));
-        mistake.message = QStringLiteral("The key \"%1\" is unknown. %2").arg(quoted, meant).trimmed();
-        mistake.consequence = QString::fromLatin1(passedOver);
     } else if (description.startsWith(QLatin1String("Value type not permitted"))) {
         const bool isItem = !last.isEmpty() && last.at(0).isDigit();
         mistake.message = isItem ? QStringLiteral("This is no object.")
@@ -107,6 +105,38 @@ void word(SchemaMistake &mistake, const QString &description, const std::vector<
     }
 }
 
+/// The validator tells one key of an object that the schema does not know, and this all of them.
+class UnknownKeys
+{
+public:
+    explicit UnknownKeys(const QVector<UnknownKey> &keys)
+        : m_keys(keys)
+    {
+        // The later ones first, as a hash returns what was inserted last first.
+        for (int i = int(keys.size()) - 1; i >= 0; --i)
+            m_places.insert({keys.at(i).entry, keys.at(i).dependency}, i);
+    }
+
+    void addTo(QVector<SchemaMistake> &mistakes, SchemaMistake mistake) const
+    {
+        static const NearNames known(
+            {QStringLiteral("name"), QStringLiteral("version"), QStringLiteral("dependencies")});
+        for (const int place : m_places.values({mistake.entry, mistake.dependency})) {
+            const UnknownKey &unknown = m_keys.at(place);
+            mistake.place = unknown.place;
+            mistake.message = QStringLiteral("The key \"%1\" is unknown. %2")
+                                  .arg(unknown.key, didYouMean(known.of(unknown.key)))
+                                  .trimmed();
+            mistake.consequence = QString::fromLatin1(passedOver);
+            mistakes.append(mistake);
+        }
+    }
+
+private:
+    const QVector<UnknownKey> &m_keys;
+    QMultiHash<QPair<int, int>, int> m_places;
+};
+
 }
 
 bool knowsSchema()
@@ -119,14 +149,19 @@ QVector<SchemaMistake> schemaMistakes(const Configuration &configuration)
     const QJsonValue document(configuration.root);
     valijson::ValidationResults results;
     valijson::Validator().validate(schema(), valijson::adapters::QtJsonAdapter(document), &results);
+    const UnknownKeys unknownKeys(configuration.places.unknownKeys);
     QVector<SchemaMistake> mistakes;
     for (const valijson::ValidationResults::Error &error : results) {
         SchemaMistake mistake;
-        word(mistake, QString::fromStdString(error.description), error.context);
-        if (mistake.message.isEmpty())
-            continue;
+        const QString description = QString::fromStdString(error.description);
         locate(mistake, error.context, configuration);
-        mistakes.append(mistake);
+        if (description.startsWith(QLatin1String("Object contains a property"))) {
+            unknownKeys.addTo(mistakes, mistake);
+            continue;
+        }
+        word(mistake, description, error.context);
+        if (!mistake.message.isEmpty())
+            mistakes.append(mistake);
     }
     return mistakes;
 }

@@ -10,6 +10,10 @@ struct SchemaMistake
     Place place;
     /// The entry of the list that it is in, or -1.
     int entry = -1;
+    /// The dependency of that entry that it is in, or -1.
+    int dependency = -1;
+    /// The key that is not there, where that is the mistake; the place is then that of the object.
+    QString missingKey = {};
     QString message;
     QString consequence;
 };

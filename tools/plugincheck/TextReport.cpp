@@ -1,5 +1,7 @@
 #include "TextReport.h"
 
+#include "Readable.h"
+
 #include <algorithm>
 
 namespace PluginCheck {
@@ -42,7 +44,7 @@ QString wrapped(const QString &text)
 {
     QString result;
     int column = indent;
-    for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
+    for (const QString &word : inOneLine(text).split(' ', Qt::SkipEmptyParts)) {
         if (column > indent && column + 1 + word.size() > width) {
             result += '\n' + QString(indent, ' ');
             column = indent;
@@ -58,9 +60,10 @@ QString wrapped(const QString &text)
 
 QString placeText(const Finding &finding)
 {
-    if (finding.place.line == 0)
-        return finding.file;
-    return QStringLiteral("%1:%2:%3").arg(finding.file).arg(finding.place.line).arg(finding.place.column);
+    QString place = inOneLine(finding.file);
+    if (finding.place.line > 0)
+        place += QStringLiteral(":%1:%2").arg(finding.place.line).arg(finding.place.column);
+    return place;
 }
 
 QString findingText(const Finding &finding, const Painter &paint)
@@ -73,7 +76,7 @@ QString findingText(const Finding &finding, const Painter &paint)
             .arg(paint.severity(check.severity, severity), QString(indent - 2 - severity.size(), ' '),
                  wrapped(finding.message), paint.faint('[' + QLatin1String(check.name) + ']'));
     if (finding.sourceColumn > 0) {
-        text += margin + QStringLiteral("| ") + finding.source + '\n';
+        text += margin + QStringLiteral("| ") + inOneLine(finding.source) + '\n';
         text += margin + QStringLiteral("| ") + QString(finding.sourceColumn - 1, ' ')
                 + paint.severity(check.severity, QStringLiteral("^")) + '\n';
     }
@@ -81,11 +84,6 @@ QString findingText(const Finding &finding, const Painter &paint)
     text += margin + wrapped(finding.consequence) + '\n';
     text += margin + paint.bold(QStringLiteral("-> ")) + wrapped(finding.advice) + '\n';
     return text;
-}
-
-QString counted(int count, const char *singular, const char *plural)
-{
-    return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? singular : plural));
 }
 
 QString summary(const Report &report, const Painter &paint)
@@ -110,6 +108,12 @@ QString summary(const Report &report, const Painter &paint)
 
 }
 
+QString inOneLine(const QString &text)
+{
+    constexpr ushort pictureOfTab = 0x2409;
+    return readable(text).replace('\t', QChar(pictureOfTab));
+}
+
 QString textReport(const Report &report, bool inColor)
 {
     const Painter paint(inColor);
@@ -131,16 +135,16 @@ QString textReport(const Report &report, bool inColor)
     for (const QPair<QString, QString> &group : qAsConst(order)) {
         if (group.first != configuration) {
             configuration = group.first;
-            text += paint.bold(configuration) + '\n';
+            text += paint.bold(inOneLine(configuration)) + '\n';
         }
         if (!group.second.isEmpty())
-            text += ' ' + paint.bold(group.second) + '\n';
+            text += ' ' + paint.bold(inOneLine(group.second)) + '\n';
         for (const Finding *const finding : groups.value(group))
             text += findingText(*finding, paint);
         text += '\n';
     }
     for (const QString &leftOut : report.leftOut())
-        text += QStringLiteral("Left out: ") + leftOut + '\n';
+        text += QStringLiteral("Left out: ") + inOneLine(leftOut) + '\n';
     return text + summary(report, paint);
 }
 
