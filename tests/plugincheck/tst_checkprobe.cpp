@@ -43,6 +43,7 @@ private slots:
     void tellsWhatBecameOfALibrary_data();
     void tellsWhatBecameOfALibrary();
     void oneBadLibraryStopsNoOther();
+    void cutOffLibraryIsRefusedAsByTheManager();
 
 private:
     QTemporaryDir m_directory;
@@ -120,6 +121,25 @@ void tst_CheckProbe::oneBadLibraryStopsNoOther()
     QCOMPARE(plugins[1]["probe"]["result"].toString(), QString("loaded"));
     QCOMPARE(plugins[1]["probe"]["output"].toString(), QString("a word on loading"));
     QCOMPARE(plugins[2]["probe"]["result"].toString(), QString("exited"));
+    QCOMPARE(exitCode, 1);
+}
+
+/// Behind its first page it is mapped, and touched by the loader.
+void tst_CheckProbe::cutOffLibraryIsRefusedAsByTheManager()
+{
+    const QString folder = m_directory.filePath("cut");
+    QVERIFY(QDir().mkpath(folder));
+    TestFiles::write(folder + "/Graphic_View.dll",
+                     TestFiles::read(FIXTURE_DIR "/sdk_stripped/Graphic_View.dll").left(4096));
+    const QString configuration = m_directory.filePath("cut.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {folder}, {"--set", "cam"}, &exitCode);
+    QCOMPARE(codes(report), (QStringList{"library-truncated", "probe-failed"}));
+    for (const QJsonValue &finding : report["findings"].toArray())
+        QVERIFY(finding["consequence"].toString().endsWith("shows a message box, and goes on."));
+    const QString detail = report["configurations"][0]["plugins"][0]["probe"]["detail"].toString();
+    QVERIFY2(detail.endsWith("/cut/Graphic_View.dll: file too short)"), qPrintable(detail));
     QCOMPARE(exitCode, 1);
 }
 

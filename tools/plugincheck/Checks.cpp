@@ -91,9 +91,11 @@ constexpr std::array checks{
           "It may not be read, or is larger than 1 GiB, or is no file."},
     Check{Code::LibraryFormat, "library-format", error, "The file is no library",
           "The file has the name of a library, but is neither an ELF shared object nor a PE DLL."},
-    Check{Code::LibraryTruncated, "library-truncated", error, "The library's file is cut off",
-          "Its headers promise more than the file has. On Linux loading such a file can end the host with a "
-          "bus error."},
+    Check{
+        Code::LibraryTruncated, "library-truncated", error, "The library's file is cut off",
+        "Its headers promise more than the file has. The manager does not give such a plug-in to the loader: "
+        "it logs \"file too short\", shows a message box, and goes on. It does not look at libraries that "
+        "the plug-in needs; one of these can end the host with a bus error on Linux."},
     Check{Code::LibraryDamaged, "library-damaged", error, "The library's file is damaged",
           "Its headers contradict themselves, so that it cannot be read."},
     Check{

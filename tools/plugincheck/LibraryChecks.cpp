@@ -39,6 +39,10 @@ const QString failsToLoad =
     QStringLiteral("The load fails: the manager logs the loader's reason, shows a message "
                    "box, and goes on.");
 
+/// The manager looks at the file of a plug-in before it is loaded, and not at what that one needs.
+const QString mayEndHost =
+    QStringLiteral("The load fails, or ends the host when the missing part is touched.");
+
 QString versionText(int version)
 {
     return QStringLiteral("%1.%2").arg(version >> 8).arg(version & 0xff);
@@ -257,8 +261,7 @@ bool LibraryCheck::checkFile(const Candidate &candidate)
         add(Code::LibraryFormat, candidate, file.detail, failsToLoad, anew);
         break;
     case LibraryFile::Problem::Truncated:
-        add(Code::LibraryTruncated, candidate, file.detail,
-            QStringLiteral("The load fails, or ends the host when the missing part is touched."), anew);
+        add(Code::LibraryTruncated, candidate, file.detail, failsToLoad, anew);
         break;
     case LibraryFile::Problem::Damaged:
         add(Code::LibraryDamaged, candidate, file.detail, failsToLoad, anew);
@@ -444,7 +447,8 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
                 complete = false;
                 add(Code::NeededMissing, candidate,
                     QStringLiteral("It needs %1, and that file is no good: %2").arg(found.path, file.detail),
-                    failsToLoad, QStringLiteral("Build or copy that file anew."));
+                    file.problem == LibraryFile::Problem::Truncated ? mayEndHost : failsToLoad,
+                    QStringLiteral("Build or copy that file anew."));
                 continue;
             }
             QStringList inherited = step.inherited;

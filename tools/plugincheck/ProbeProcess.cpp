@@ -1,6 +1,7 @@
 #include "Probe.h"
 
 #include "desktopTools_p.h"
+#include "libraryFile_p.h"
 
 #include <FileProcess.h>
 #include <MenuBar.h>
@@ -27,8 +28,9 @@
 #    include <sys/resource.h>
 #endif
 
-// What runs in the process that loads one library. What it says goes line by line into a file, since the
-// library may write to the standard channels, and may end the process at any time.
+// What runs in the process that loads one library. It does what pluginMangerBase.cpp does. What it says goes
+// line by line into a file, since the library may write to the standard channels, and may end the process at
+// any time.
 
 namespace PluginCheck {
 
@@ -88,22 +90,28 @@ bool implementsAll(const QString &library, QObject *root)
            && implementsToolOf(Tools::menuBar, library, root);
 }
 
+using PluginMangerInternal::loadFault;
+
 void loadLibrary(const QString &path)
 {
     QLibrary library(path);
     library.setLoadHints(library.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    say(library.load() ? QStringLiteral("done") : QStringLiteral("failed ") + library.errorString());
+    const QString fault = library.isLoaded() ? QString() : loadFault(library.fileName());
+    if (fault.isEmpty() && library.load())
+        say(QStringLiteral("done"));
+    else
+        say(QStringLiteral("failed ") + (fault.isEmpty() ? library.errorString() : fault));
 }
 
 void loadTool(const QString &path)
 {
     QPluginLoader loader(path);
     loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    if (!loader.load()) {
-        say(QStringLiteral("failed ") + loader.errorString());
-        return;
-    }
-    if (implementsAll(path, loader.instance()))
+    const QString fault =
+        loader.metaData().isEmpty() || loader.isLoaded() ? QString() : loadFault(loader.fileName());
+    if (!fault.isEmpty() || !loader.load())
+        say(QStringLiteral("failed ") + (fault.isEmpty() ? loader.errorString() : fault));
+    else if (implementsAll(path, loader.instance()))
         say(QStringLiteral("done"));
 }
 
