@@ -4,6 +4,7 @@
 #include "testmain.h"
 
 #include <QtCore/QLibrary>
+#include <QtCore/QPluginLoader>
 #include <QtCore/QTemporaryDir>
 
 using namespace PluginCheck;
@@ -52,9 +53,16 @@ private slots:
     void cutOffLibraryIsAlwaysTold();
     void oddOneOutIsOfAnotherMachine();
     void hugeFileIsNotRead();
+    void toolsAreLookedForWhereQtDoes();
+    void neededLibrariesAreLookedForWhereTheLoaderDoes();
+    void fileIsTheOneThatQtFinds_data();
+    void fileIsTheOneThatQtFinds();
+    void nameWithAFolderIsLeftOut();
 
 private:
     Report check(const QVector<Library> &libraries, Set set, const QStringList &directories = {});
+    Report checkIn(const QStringList &libraryDirectories, const QStringList &toolDirectories, Set set,
+                   const QStringList &names);
 
     std::unique_ptr<QTemporaryDir> m_directory;
 };
@@ -71,11 +79,18 @@ Report tst_CheckLibraries::check(const QVector<Library> &libraries, Set set, con
         TestFiles::write(m_directory->filePath(library.name + ".dll"),
                          library.change ? library.change(content) : content);
     }
+    const QStringList all = QStringList{m_directory->path()} + directories;
+    return checkIn(all, all, set, names);
+}
+
+Report tst_CheckLibraries::checkIn(const QStringList &libraryDirectories, const QStringList &toolDirectories,
+                                   Set set, const QStringList &names)
+{
     Report report;
     const QVector<Configuration> configurations{
         *parseConfiguration("set.json", set, TestFiles::configOf(names), report)};
     checkConfigurations(configurations, report);
-    checkLibraries(configurations, LibrarySearch(QStringList{m_directory->path()} + directories), report);
+    checkLibraries(configurations, LibrarySearch(libraryDirectories, toolDirectories), report);
     report.finish();
     return report;
 }
@@ -361,6 +376,86 @@ void tst_CheckLibraries::hugeFileIsNotRead()
     const Report report = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
     QCOMPARE(found(report), QStringList{"library-unreadable Graphic_View"});
     QCOMPARE(report.findings().first().message, QStringLiteral("It is larger than 1 GiB."));
+}
+
+void tst_CheckLibraries::toolsAreLookedForWhereQtDoes()
+{
+    const QTemporaryDir empty;
+    const QString tools = QFileInfo(tool).path();
+    const QStringList names{"File_Process"};
+    QCOMPARE(found(checkIn({}, {empty.path(), tools}, Set::Desktop, names)), QStringList());
+    const Report report = checkIn({tools}, {empty.path()}, Set::Desktop, names);
+    QCOMPARE(found(report), QStringList{"library-missing File_Process"});
+    QCOMPARE(report.findings().first().message,
+             QStringLiteral("There is no file \"File_Process.dll\" in %1.").arg(empty.path()));
+    QVERIFY(report.findings().first().advice.contains("--qt-plugin-dir"));
+    QCOMPARE(found(checkIn({QFileInfo(good).path()}, {empty.path()}, Set::Cam, {"Graphic_View"})),
+             QStringList());
+}
+
+void tst_CheckLibraries::neededLibrariesAreLookedForWhereTheLoaderDoes()
+{
+    const QString needy = QStringLiteral(FIXTURE_DIR "/missing_needed_library");
+    const QString needed = QStringLiteral(FIXTURE_DIR "/elsewhere");
+    const QString missing("needed-missing Missing_Needed_Library");
+    const QStringList names{"Missing_Needed_Library"};
+    QVERIFY(found(checkIn({}, {needy, needed}, Set::Desktop, names)).contains(missing));
+    QVERIFY(!found(checkIn({needed}, {needy}, Set::Desktop, names)).contains(missing));
+}
+
+void tst_CheckLibraries::fileIsTheOneThatQtFinds_data()
+{
+    QTest::addColumn<Set>("set");
+    QTest::addColumn<QStringList>("files");
+    const auto row = [](const char *name, Set set, const QStringList &files) {
+        QTest::newRow(name) << set << files;
+    };
+    // The first is what is found.
+    row("library, all names", Set::Cam,
+        {"libGraphic_View.dll.so", "libGraphic_View.dll", "Graphic_View.dll.so", "Graphic_View.dll"});
+    row("library, names in a later folder", Set::Cam, {"later/libGraphic_View.dll.so", "Graphic_View.dll"});
+    row("library with the suffix", Set::Cam, {"Graphic_View.dll.so", "Graphic_View.dll"});
+    row("tool, all names", Set::Desktop,
+        {"File_Process.dll", "File_Process.dll.so", "libFile_Process.dll", "libFile_Process.dll.so"});
+    row("tool, names in a later folder", Set::Desktop, {"libFile_Process.dll.so", "later/File_Process.dll"});
+    row("tool with the suffix", Set::Desktop, {"File_Process.dll.so", "libFile_Process.dll"});
+}
+
+void tst_CheckLibraries::fileIsTheOneThatQtFinds()
+{
+    QFETCH(Set, set);
+    QFETCH(QStringList, files);
+    const bool isTool = set == Set::Desktop;
+    const QTemporaryDir directory;
+    QVERIFY(QDir(directory.path()).mkdir("later"));
+    for (const QString &file : files)
+        QVERIFY(QFile::copy(isTool ? tool : good, directory.filePath(file)));
+    const QStringList directories{directory.path(), directory.filePath("later")};
+    const Report report =
+        checkIn(directories, directories, set, {isTool ? "File_Process" : "Graphic_View"});
+    QCOMPARE(found(report), QStringList());
+    QCOMPARE(report.configurations.first().plugins.first().library, directory.filePath(files.first()));
+    if (!isTool)
+        return; // Where the loader looks cannot be changed in a process; the probe's test does it in one.
+    const QStringList before = QCoreApplication::libraryPaths();
+    QCoreApplication::setLibraryPaths(directories);
+    const QString fileOfQt = QPluginLoader("File_Process.dll").fileName();
+    QCoreApplication::setLibraryPaths(before);
+    QCOMPARE(fileOfQt, directory.filePath(files.first()));
+}
+
+void tst_CheckLibraries::nameWithAFolderIsLeftOut()
+{
+    const QTemporaryDir directory;
+    QVERIFY(QDir(directory.path()).mkdir("sub"));
+    QVERIFY(QFile::copy(good, directory.filePath("sub/Graphic_View.dll")));
+    const Report plain = checkIn({directory.path()}, {}, Set::Cam, {"sub/Graphic_View"});
+    QCOMPARE(plain.configurations.first().plugins.first().library, QString());
+    QCOMPARE(plain.leftOut().size(), 1);
+    QVERIFY(plain.leftOut().first().contains("the host's working directory"));
+    const Report ofTool = checkIn({}, {directory.path()}, Set::Desktop, {"sub/Graphic_View"});
+    QCOMPARE(ofTool.configurations.first().plugins.first().library,
+             directory.filePath("sub/Graphic_View.dll"));
 }
 
 int main(int argc, char **argv)

@@ -44,6 +44,9 @@ private slots:
     void tellsWhatBecameOfALibrary();
     void oneBadLibraryStopsNoOther();
     void cutOffLibraryIsRefusedAsByTheManager();
+    void loadsTheFileThatTheManagerLoads();
+    void loadsTheToolOfTheFirstFolder();
+    void libraryPathsAreNoneOfTheLoader();
 
 private:
     QTemporaryDir m_directory;
@@ -141,6 +144,67 @@ void tst_CheckProbe::cutOffLibraryIsRefusedAsByTheManager()
     const QString detail = report["configurations"][0]["plugins"][0]["probe"]["detail"].toString();
     QVERIFY2(detail.endsWith("/cut/Graphic_View.dll: file too short)"), qPrintable(detail));
     QCOMPARE(exitCode, 1);
+}
+
+/// The names with a prefix come first for a plain library.
+void tst_CheckProbe::loadsTheFileThatTheManagerLoads()
+{
+    const QString folder = m_directory.filePath("names");
+    QVERIFY(QDir().mkpath(folder));
+    QFile::copy(CHECKED_DIR "/crashing/Graphic_View.dll", folder + "/Graphic_View.dll");
+    QFile::copy(CHECKED_DIR "/talking/Graphic_View.dll", folder + "/libGraphic_View.dll.so");
+    const QString configuration = m_directory.filePath("names.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {folder}, {"--set", "cam"}, &exitCode);
+    const QJsonValue plugin = report["configurations"][0]["plugins"][0];
+    QCOMPARE(plugin["library"].toString(), folder + "/libGraphic_View.dll.so");
+    QCOMPARE(plugin["probe"]["output"].toString(), QString("a word on loading"));
+    QCOMPARE(exitCode, 0);
+}
+
+void tst_CheckProbe::loadsTheToolOfTheFirstFolder()
+{
+    const QStringList folders{m_directory.filePath("first"), m_directory.filePath("second")};
+    const QString configuration = m_directory.filePath("tools.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Tool"}));
+    for (const QString &folder : folders)
+        QVERIFY(QDir().mkpath(folder));
+    QFile::copy(FIXTURE_DIR "/desktop/File_Process.dll", folders.at(0) + "/Own_Tool.dll");
+    QFile::copy(FIXTURE_DIR "/not_a_plugin_interface/Not_A_Plugin_Interface.dll",
+                folders.at(1) + "/Own_Tool.dll");
+    const QStringList options{"--set", "desktop", "--qt-plugin-dir"};
+    int exitCode = -1;
+    const QJsonObject good =
+        probe(configuration, {}, options + QStringList{folders.at(0), "--qt-plugin-dir", folders.at(1)},
+              &exitCode);
+    QVERIFY(!codes(good).contains("probe-interface"));
+    const QJsonObject bad =
+        probe(configuration, {}, options + QStringList{folders.at(1), "--qt-plugin-dir", folders.at(0)},
+              &exitCode);
+    QVERIFY(codes(bad).contains("probe-interface"));
+}
+
+/// What a tool needs is not found where Qt finds the tool.
+void tst_CheckProbe::libraryPathsAreNoneOfTheLoader()
+{
+    const QString folder = m_directory.filePath("needy");
+    QVERIFY(QDir().mkpath(folder));
+    QFile::copy(CHECKED_DIR "/needy_tool/Own_Tool.dll", folder + "/Own_Tool.dll");
+    const QString configuration = m_directory.filePath("needy.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Tool"}));
+    const QString needed = QStringLiteral(CHECKED_DIR "/private");
+    int exitCode = -1;
+    const QJsonObject unmet =
+        probe(configuration, {},
+              {"--set", "desktop", "--qt-plugin-dir", folder, "--qt-plugin-dir", needed}, &exitCode);
+    QVERIFY(codes(unmet).contains("needed-missing"));
+    QVERIFY(codes(unmet).contains("probe-failed"));
+    const QJsonObject met =
+        probe(configuration, {needed}, {"--set", "desktop", "--qt-plugin-dir", folder}, &exitCode);
+    QVERIFY(!codes(met).contains("needed-missing"));
+    QVERIFY(!codes(met).contains("probe-failed"));
+    QCOMPARE(met["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
 }
 
 int main(int argc, char **argv)

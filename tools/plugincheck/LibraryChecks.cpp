@@ -123,13 +123,17 @@ public:
     LibraryCheck(const LibrarySearch &search, Report &report)
         : m_search(search)
         , m_report(report)
-        , m_nearFiles(search.fileNames())
+        , m_nearLibraries(search.libraries().fileNames())
+        , m_nearTools(search.tools().fileNames())
     {
     }
 
     void run(const QVector<Configuration> &configurations);
 
 private:
+    bool isLookedFor(const Configuration &configuration, const QString &name);
+    const Folders &foldersOf(Set set) const;
+    QString fileOf(const QString &fileName, Set set) const;
     bool locate(Candidate &candidate);
     void addMissing(const Candidate &candidate, const QString &fileName);
     bool checkFile(const Candidate &candidate);
@@ -152,7 +156,8 @@ private:
 
     const LibrarySearch &m_search;
     Report &m_report;
-    NearNames m_nearFiles;
+    NearNames m_nearLibraries;
+    NearNames m_nearTools;
     int m_searches = 0;
 };
 
@@ -165,7 +170,7 @@ void LibraryCheck::run(const QVector<Configuration> &configurations)
             // Names that cannot be those of files have a finding already.
             const bool isName = std::all_of(result.name.begin(), result.name.end(),
                                             [](QChar character) { return character.unicode() >= ' '; });
-            if (result.name.isEmpty() || !isName)
+            if (result.name.isEmpty() || !isName || !isLookedFor(configuration, result.name))
                 continue;
             const Entry &entry = configuration.entries.at(configuration.entryOfName.value(result.name));
             candidates.append({&configuration, &entry, &result, {}, nullptr});
@@ -197,19 +202,58 @@ void LibraryCheck::add(Code code, const Candidate &candidate, const QString &mes
                   consequence, advice});
 }
 
-/// Finds and reads the file. A plain library is also found under the names that QLibrary makes of a bare one.
+/// Where the host has its working directory is not known.
+bool LibraryCheck::isLookedFor(const Configuration &configuration, const QString &name)
+{
+    if (foldersOf(configuration.set).directories().isEmpty()) {
+        m_report.leaveOut(
+            QStringLiteral("Libraries of CAM and DFM sets were not looked at: no --library-dir is given."));
+        return false;
+    }
+    if (configuration.set == Set::Desktop || !name.contains('/') || QDir::isAbsolutePath(name))
+        return true;
+    m_report.leaveOut(
+        QStringLiteral("Libraries whose names have a folder were not looked for: the CAM manager finds "
+                       "them below the host's working directory alone."));
+    return false;
+}
+
+const Folders &LibraryCheck::foldersOf(Set set) const
+{
+    return set == Set::Desktop ? m_search.tools() : m_search.libraries();
+}
+
+/// Finds the file by the names that Qt tries, in the order in which it does: QPluginLoader tries all of them
+/// in a folder, QLibrary has the loader look for each in all folders.
+QString LibraryCheck::fileOf(const QString &fileName, Set set) const
+{
+    const Folders &folders = foldersOf(set);
+    const int slash = int(fileName.lastIndexOf('/')) + 1;
+    const QString base = fileName.mid(slash);
+    const QString withPrefix = fileName.left(slash) + QLatin1String("lib") + base;
+    const QLatin1String suffix(".so");
+    QString found;
+    if (set == Set::Desktop) {
+        found = folders.exactFile({fileName, fileName + suffix, withPrefix, withPrefix + suffix});
+    } else {
+        QStringList names{fileName + suffix, fileName};
+        if (!base.startsWith(QLatin1String("lib")))
+            names = QStringList{withPrefix + suffix, withPrefix} + names;
+        for (int i = 0; i < names.size() && found.isEmpty(); ++i)
+            found = folders.exactFile({names.at(i)});
+    }
+    // Windows has none of these prefixes and suffixes.
+    return formatOfFile(found) == LibraryFile::Format::Pe ? folders.exactFile({fileName}) : found;
+}
+
+/// Finds and reads the file.
 bool LibraryCheck::locate(Candidate &candidate)
 {
     const QString fileName = candidate.entry->name + QLatin1String(".dll");
-    candidate.path = m_search.exactFile(fileName);
-    if (candidate.path.isEmpty() && candidate.configuration->set != Set::Desktop) {
-        for (const char *pattern : {"lib%1.so", "lib%1", "%1.so"}) {
-            if (candidate.path.isEmpty())
-                candidate.path = m_search.exactFile(QString::fromLatin1(pattern).arg(fileName));
-        }
-    }
+    const Set set = candidate.configuration->set;
+    candidate.path = fileOf(fileName, set);
     if (candidate.path.isEmpty()) {
-        const QString similar = m_search.similarFile(fileName);
+        const QString similar = foldersOf(set).similarFile(fileName);
         if (similar.isEmpty()) {
             addMissing(candidate, fileName);
             return false;
@@ -232,17 +276,18 @@ bool LibraryCheck::locate(Candidate &candidate)
 
 void LibraryCheck::addMissing(const Candidate &candidate, const QString &fileName)
 {
+    const bool isTool = candidate.configuration->set == Set::Desktop;
     QStringList near;
     constexpr int mostSearches = 200; // Each is a pass over all file names.
     if (m_searches++ < mostSearches)
-        near = m_nearFiles.of(fileName, 3);
+        near = (isTool ? m_nearTools : m_nearLibraries).of(fileName, 3);
     add(Code::LibraryMissing, candidate,
         QStringLiteral("There is no file \"%1\" in %2.")
-            .arg(fileName, m_search.directories().join(QStringLiteral(", "))),
+            .arg(fileName, foldersOf(candidate.configuration->set).directories().join(QStringLiteral(", "))),
         failsToLoad,
         near.isEmpty()
-            ? QStringLiteral("Put the library there, name its folder by --library-dir, or take the entry "
-                             "out.")
+            ? QStringLiteral("Put the library there, name its folder by %1, or take the entry out.")
+                  .arg(QLatin1String(isTool ? "--qt-plugin-dir" : "--library-dir"))
             : didYouMean(near));
 }
 

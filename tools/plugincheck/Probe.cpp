@@ -106,7 +106,7 @@ void Runner::startNext()
         m_loop.quit();
 }
 
-/// The folders of the call stand for those where the host's loader looks.
+/// The folders of libraries stand for those where the host's loader looks.
 QProcessEnvironment Runner::environment() const
 {
     QStringList directories;
@@ -121,7 +121,8 @@ QProcessEnvironment Runner::environment() const
     const QString before = result.value(variable);
     if (!before.isEmpty())
         directories.append(before);
-    result.insert(variable, directories.join(QDir::listSeparator()));
+    if (!directories.isEmpty())
+        result.insert(variable, directories.join(QDir::listSeparator()));
     result.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     // Qt says so when there is none, which is nothing that a library has written.
     if (!result.contains(QStringLiteral("XDG_RUNTIME_DIR")))
@@ -142,7 +143,7 @@ void Runner::start(const Job &job)
 
     QStringList arguments{QString::fromLatin1(probeOption), nameOf(job.configuration->set),
                           job.plugin->name + QLatin1String(".dll"), job.resultFile};
-    for (const QString &directory : m_options.libraryDirectories)
+    for (const QString &directory : m_options.toolDirectories)
         arguments.append(QDir(directory).absolutePath());
 
     QObject::connect(process, &QProcess::readyRead, process, [this, running] { takeOutput(*running); });

@@ -129,8 +129,7 @@ int runProbe(int argc, char **argv)
 #endif
     std::set_terminate(sayThrown);
     resultFile = arguments.at(2);
-    for (const QString &directory : arguments.mid(3))
-        QCoreApplication::addLibraryPath(directory);
+    QCoreApplication::setLibraryPaths(arguments.mid(3) + QCoreApplication::libraryPaths());
     try {
         if (setNamed(arguments.at(0)) == Set::Desktop)
             loadTool(arguments.at(1));
