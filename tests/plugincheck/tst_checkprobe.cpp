@@ -4,6 +4,8 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QTemporaryDir>
 
+#include <csignal>
+
 namespace {
 
 /// What the program says of a set, as its JSON report.
@@ -21,6 +23,32 @@ QJsonObject probe(const QString &configuration, const QStringList &directories, 
     process.waitForFinished(60000);
     *exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+}
+
+/// What the system tells of a process; nothing when it has ended.
+QByteArray told(qint64 process, const QString &what)
+{
+    QFile file(QStringLiteral("/proc/%1/%2").arg(process).arg(what));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Whether a process has ended, also when nobody has asked what became of it.
+bool hasEnded(qint64 process)
+{
+    const QByteArray state = told(process, "stat");
+    return state.isEmpty() || state.mid(state.lastIndexOf(')') + 2, 1) == "Z";
+}
+
+/// The processes that a process has started and that load a library by now.
+QList<qint64> childrenOf(qint64 process)
+{
+    QList<qint64> children;
+    const QByteArray numbers = told(process, QStringLiteral("task/%1/children").arg(process)).simplified();
+    for (const QByteArray &number : numbers.split(' ')) {
+        if (told(number.toLongLong(), "cmdline").contains("--probe-library"))
+            children.append(number.toLongLong());
+    }
+    return children;
 }
 
 QStringList codes(const QJsonObject &report)
@@ -47,6 +75,10 @@ private slots:
     void loadsTheFileThatTheManagerLoads();
     void loadsTheToolOfTheFirstFolder();
     void libraryPathsAreNoneOfTheLoader();
+    void findingsComeInTheOrderOfTheList();
+    void whatALibraryStartsEndsWithIt();
+    void nothingIsLeftOfAProbeThatIsEnded_data();
+    void nothingIsLeftOfAProbeThatIsEnded();
 
 private:
     QTemporaryDir m_directory;
@@ -175,13 +207,11 @@ void tst_CheckProbe::loadsTheToolOfTheFirstFolder()
                 folders.at(1) + "/Own_Tool.dll");
     const QStringList options{"--set", "desktop", "--qt-plugin-dir"};
     int exitCode = -1;
-    const QJsonObject good =
-        probe(configuration, {}, options + QStringList{folders.at(0), "--qt-plugin-dir", folders.at(1)},
-              &exitCode);
+    const QJsonObject good = probe(
+        configuration, {}, options + QStringList{folders.at(0), "--qt-plugin-dir", folders.at(1)}, &exitCode);
     QVERIFY(!codes(good).contains("probe-interface"));
-    const QJsonObject bad =
-        probe(configuration, {}, options + QStringList{folders.at(1), "--qt-plugin-dir", folders.at(0)},
-              &exitCode);
+    const QJsonObject bad = probe(
+        configuration, {}, options + QStringList{folders.at(1), "--qt-plugin-dir", folders.at(0)}, &exitCode);
     QVERIFY(codes(bad).contains("probe-interface"));
 }
 
@@ -196,8 +226,8 @@ void tst_CheckProbe::libraryPathsAreNoneOfTheLoader()
     const QString needed = QStringLiteral(CHECKED_DIR "/private");
     int exitCode = -1;
     const QJsonObject unmet =
-        probe(configuration, {},
-              {"--set", "desktop", "--qt-plugin-dir", folder, "--qt-plugin-dir", needed}, &exitCode);
+        probe(configuration, {}, {"--set", "desktop", "--qt-plugin-dir", folder, "--qt-plugin-dir", needed},
+              &exitCode);
     QVERIFY(codes(unmet).contains("needed-missing"));
     QVERIFY(codes(unmet).contains("probe-failed"));
     const QJsonObject met =
@@ -205,6 +235,77 @@ void tst_CheckProbe::libraryPathsAreNoneOfTheLoader()
     QVERIFY(!codes(met).contains("needed-missing"));
     QVERIFY(!codes(met).contains("probe-failed"));
     QCOMPARE(met["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
+}
+
+/// The first library takes longest to crash.
+void tst_CheckProbe::findingsComeInTheOrderOfTheList()
+{
+    const QString folder = m_directory.filePath("order");
+    QVERIFY(QDir().mkpath(folder));
+    const QStringList names{"Own_Later", "Own_Aborting", "Own_Exiting"};
+    QFile::copy(CHECKED_DIR "/crashing_later/Graphic_View.dll", folder + "/Own_Later.dll");
+    QFile::copy(CHECKED_DIR "/aborting/Graphic_View.dll", folder + "/Own_Aborting.dll");
+    QFile::copy(CHECKED_DIR "/exiting/Graphic_View.dll", folder + "/Own_Exiting.dll");
+    const QString configuration = m_directory.filePath("order.json");
+    TestFiles::write(configuration, TestFiles::configOf(names));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {folder}, {"--set", "cam", "--jobs", "3", "--timeout", "50"}, &exitCode);
+    QStringList found;
+    for (const QJsonValue &finding : report["findings"].toArray()) {
+        if (finding["code"].toString().startsWith("probe-"))
+            found.append(finding["plugin"].toString());
+    }
+    QCOMPARE(found, names);
+}
+
+void tst_CheckProbe::whatALibraryStartsEndsWithIt()
+{
+    const QString configuration = m_directory.filePath("forking.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {CHECKED_DIR "/forking"}, {"--set", "cam", "--timeout", "5"}, &exitCode);
+    QCOMPARE(codes(report), QStringList{"probe-hung"});
+    const int started = report["configurations"][0]["plugins"][0]["probe"]["output"].toString().toInt();
+    QVERIFY(started > 0);
+    QTRY_VERIFY(hasEnded(started));
+}
+
+void tst_CheckProbe::nothingIsLeftOfAProbeThatIsEnded_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("hang up") << SIGHUP;
+    QTest::newRow("interrupt") << SIGINT;
+    QTest::newRow("terminate") << SIGTERM;
+    QTest::newRow("kill") << SIGKILL;
+}
+
+void tst_CheckProbe::nothingIsLeftOfAProbeThatIsEnded()
+{
+    QFETCH(int, signal);
+    const QString configuration = m_directory.filePath("ended.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    const QTemporaryDir temporary;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", temporary.path());
+    process.setProcessEnvironment(environment);
+    process.start(PLUGINCHECK, {configuration, "--set", "cam", "--probe", "--timeout", "600", "--library-dir",
+                                CHECKED_DIR "/hanging"});
+    QVERIFY(process.waitForStarted());
+    const qint64 parent = process.processId();
+    QTRY_VERIFY_WITH_TIMEOUT(!childrenOf(parent).isEmpty(), 60000);
+    const QList<qint64> children = childrenOf(parent);
+    QCOMPARE(::kill(pid_t(parent), signal), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process.exitCode(), signal);
+    for (const qint64 child : children)
+        QTRY_VERIFY(hasEnded(child));
+    // Nobody can tidy up after this one.
+    const bool isTidy = signal != SIGKILL;
+    QCOMPARE(QDir(temporary.path()).isEmpty(), isTidy);
 }
 
 int main(int argc, char **argv)
