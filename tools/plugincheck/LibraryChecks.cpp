@@ -358,16 +358,20 @@ void LibraryCheck::checkContents(const Candidate &candidate)
     checkStamp(candidate);
 }
 
-/// Whether a symbol is found in a library. On Linux what the libraries have that it needs is found, too.
-bool resolves(const std::string &symbol, const LibraryFile &file, const QVector<Needed> &needed,
-              const LibrarySearch &search)
+/// Returns the file in which a symbol is found; null if there is none. On Linux what the libraries have that
+/// a plug-in needs is found, too.
+const LibraryFile *definitionOf(const std::string &symbol, const LibraryFile &file,
+                                const QVector<Needed> &needed, const LibrarySearch &search)
 {
     if (file.exports.count(symbol) > 0)
-        return true;
-    return file.format == LibraryFile::Format::Elf
-           && std::any_of(needed.begin(), needed.end(), [&](const Needed &library) {
-                  return !library.isSystem && search.read(library.path).exports.count(symbol) > 0;
-              });
+        return &file;
+    if (file.format != LibraryFile::Format::Elf)
+        return nullptr;
+    for (const Needed &library : needed) {
+        if (!library.isSystem && search.read(library.path).exports.count(symbol) > 0)
+            return &search.read(library.path);
+    }
+    return nullptr;
 }
 
 void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed> &needed)
@@ -389,9 +393,9 @@ void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed
         return;
     }
     const Request *const request = requestNamed(candidate.entry->name, candidate.configuration->set);
-    const bool receives = resolves(entryPoint, file, needed, m_search);
+    const LibraryFile *const receiver = definitionOf(entryPoint, file, needed, m_search);
     if (!request) {
-        if (!receives && !resolves(factoryOfAnyLibrary().toStdString(), file, needed, m_search)) {
+        if (!receiver && !definitionOf(factoryOfAnyLibrary().toStdString(), file, needed, m_search)) {
             add(Code::NameUnused, candidate,
                 QStringLiteral("No operation asks for \"%1\", and it exports neither %2 nor %3.")
                     .arg(candidate.entry->name, QString::fromLatin1(factoryOfAnyLibrary()),
@@ -402,14 +406,29 @@ void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed
         return;
     }
     for (const QByteArray &factory : request->factories) {
-        if (!resolves(factory.toStdString(), file, needed, m_search))
+        const std::string symbol = factory.toStdString();
+        const LibraryFile *const maker = definitionOf(symbol, file, needed, m_search);
+        if (!maker) {
             addFactoryMissing(candidate, factory);
+        } else if (maker->data.count(symbol) > 0) {
+            add(Code::FactoryMissing, candidate,
+                QStringLiteral("The library exports %1, but as data, not as a function.")
+                    .arg(QString::fromLatin1(factory)),
+                QStringLiteral("The operation for it calls the data, and the host crashes."),
+                QStringLiteral("Make it a function."));
+        }
     }
-    if (!receives) {
+    if (!receiver) {
         add(Code::EntryPointMissing, candidate,
             QStringLiteral("The library does not export %1.").arg(QString::fromLatin1(entryPoint)),
             QStringLiteral("Messages to it vanish, and nothing is logged."),
             QStringLiteral("Export it; PLUGINMANGER_ENTRY_POINT in pluginMangerSdk.h does."));
+    } else if (receiver->data.count(entryPoint) > 0) {
+        add(Code::EntryPointMissing, candidate,
+            QStringLiteral("The library exports %1, but as data, not as a function.")
+                .arg(QString::fromLatin1(entryPoint)),
+            QStringLiteral("The first message to it calls the data, and the host crashes."),
+            QStringLiteral("Make it a function."));
     }
 }
 
