@@ -176,7 +176,24 @@ void tst_CheckLibraries::findsFault_data()
             "symbol-missing");
     row("newer version of a library", {view, checked + "/versioned/Graphic_View.dll"}, "symbol-version",
         Set::Cam, {checked + "/older"});
+    row("program of any address", {view, checked + "/program/Graphic_View.dll"}, "library-format");
+    row("library that forbids to be loaded", {view, checked + "/unopenable/Graphic_View.dll"},
+        "library-format");
+    if (!QByteArray(SANITIZED).toInt()) {
+        row("undefined function in what it needs", {view, checked + "/needy/Graphic_View.dll"},
+            "symbol-missing", Set::Cam, {checked + "/private_undefined"});
+        row("needed library without a name, which is the program",
+            {view, checked + "/needy/Graphic_View.dll",
+             [](QByteArray content) { return content.replace("libprivate.so", QByteArray(13, '\0')); }},
+            "symbol-missing");
+        row("functions of a manager that is nowhere", {view, checked + "/of_manager/Graphic_View.dll"},
+            "symbol-missing");
+    }
 #ifdef HAS_PE_FIXTURES
+    row("DLL with a variable instead of a factory", {view, checked + "/pe_data_factory/Graphic_View.dll"},
+        "factory-missing");
+    row("DLL that needs one with an older helper", {view, checked + "/pe_indirect/Graphic_View.dll"},
+        "symbol-missing", Set::Cam, {checked + "/pe_using_newer", checked + "/pe_older"});
     row("DLL without factory", {view, checked + "/pe_without_factory/Graphic_View.dll"}, "factory-missing");
     row("DLL cut off",
         {view, checked + "/pe/Graphic_View.dll", [](QByteArray content) { return content.left(1000); }},
@@ -243,7 +260,16 @@ void tst_CheckLibraries::acceptsTwin_data()
         Set::Cam, {checked + "/newer"});
     row("needed library in a folder of the call", {"Needy", QStringLiteral(FIXTURE_DIR "/broken/Needy.dll")},
         Set::Cam, {QStringLiteral(FIXTURE_DIR "/elsewhere")});
+    row("with what it needs", {"Graphic_View", checked + "/needy/Graphic_View.dll"}, Set::Cam,
+        {checked + "/private"});
+    row("with functions of the manager", {"Graphic_View", checked + "/of_manager/Graphic_View.dll"}, Set::Cam,
+        {QStringLiteral(MANAGER_DIR)});
+    row("with a text like a stamp", {"Graphic_View", checked + "/two_stamps/Graphic_View.dll"});
+    row("tool with a text like a description", {"Own_Tool", checked + "/two_descriptions/Own_Tool.dll"},
+        Set::Desktop);
 #ifdef HAS_PE_FIXTURES
+    row("DLL with a library that it needs", {"Graphic_View", checked + "/pe_indirect/Graphic_View.dll"},
+        Set::Cam, {checked + "/pe_using_newer", checked + "/pe_newer"});
     row("DLL", {"Graphic_View", checked + "/pe/Graphic_View.dll"}, Set::Cam, {checked + "/pe"});
     row("DLL with its helper", {"Graphic_View", checked + "/pe_helped/Graphic_View.dll"}, Set::Cam,
         {checked + "/pe_newer"});

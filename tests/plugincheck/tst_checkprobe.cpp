@@ -75,6 +75,7 @@ private slots:
     void loadsTheFileThatTheManagerLoads();
     void loadsTheToolOfTheFirstFolder();
     void libraryPathsAreNoneOfTheLoader();
+    void managerIsLoadedAsInAHost();
     void findingsComeInTheOrderOfTheList();
     void whatALibraryStartsEndsWithIt();
     void nothingIsLeftOfAProbeThatIsEnded_data();
@@ -105,7 +106,7 @@ void tst_CheckProbe::tellsWhatBecameOfALibrary_data()
     row("crashes", CHECKED_DIR "/crashing/Graphic_View.dll", "cam", "probe-crashed", "crashed", "signal 11");
     row("aborts", CHECKED_DIR "/aborting/Graphic_View.dll", "cam", "probe-crashed", "crashed", "signal 6");
     row("hangs", CHECKED_DIR "/hanging/Graphic_View.dll", "cam", "probe-hung", "hung",
-        "no end after 2 seconds");
+        "no end after 1 second");
     row("exits", CHECKED_DIR "/exiting/Graphic_View.dll", "cam", "probe-exited", "exited", "status 42");
     row("throws", CHECKED_DIR "/throwing/Graphic_View.dll", "cam", "probe-threw", "threw", "no licence");
     row("needs what is missing", FIXTURE_DIR "/missing_needed_library/Missing_Needed_Library.dll", "cam",
@@ -125,9 +126,8 @@ void tst_CheckProbe::tellsWhatBecameOfALibrary()
     const QString configuration = m_directory.filePath("set.json");
     TestFiles::write(configuration, TestFiles::configOf({QFileInfo(file).completeBaseName()}));
     int exitCode = -1;
-    const QJsonObject report =
-        probe(configuration, {QFileInfo(file).path()},
-              {"--set", set, "--timeout", detail.contains("2 s") ? "2" : "50"}, &exitCode);
+    const QJsonObject report = probe(configuration, {QFileInfo(file).path()},
+                                     {"--set", set, "--timeout", result == "hung" ? "1" : "50"}, &exitCode);
     QStringList probed;
     for (const QString &found : codes(report)) {
         if (found.startsWith("probe-"))
@@ -235,6 +235,17 @@ void tst_CheckProbe::libraryPathsAreNoneOfTheLoader()
     QVERIFY(!codes(met).contains("needed-missing"));
     QVERIFY(!codes(met).contains("probe-failed"));
     QCOMPARE(met["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
+}
+
+void tst_CheckProbe::managerIsLoadedAsInAHost()
+{
+    const QString configuration = m_directory.filePath("manager.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {CHECKED_DIR "/of_manager", MANAGER_DIR}, {"--set", "cam"}, &exitCode);
+    QCOMPARE(codes(report), QStringList());
+    QCOMPARE(report["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
 }
 
 /// The first library takes longest to crash.

@@ -78,8 +78,8 @@ void tst_CheckProgram::exitStatusTellsWhatHappened_data()
         << QStringList{example, "--probe", "--library-dir", CHECKED_DIR "/co:lon"} << 2
         << QByteArray("co:lon: in the list of folders that the loader takes, its name would be two");
 #endif
-    QTest::newRow("no folder of tools") << QStringList{example, "--qt-plugin-dir", "/absent"} << 2
-                                        << QByteArray("/absent is no folder");
+    QTest::newRow("no folder of tools")
+        << QStringList{example, "--qt-plugin-dir", "/absent"} << 2 << QByteArray("/absent is no folder");
     QTest::newRow("tools not where Qt looks")
         << QStringList{example, "--library-dir", EXAMPLE_PLUGIN_DIR, "--qt-plugin-dir", EXAMPLE_DIR} << 1
         << QByteArray();

@@ -6,6 +6,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QHash>
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
@@ -38,6 +39,9 @@ struct Needed
 const QString failsToLoad =
     QStringLiteral("The load fails: the manager logs the loader's reason, shows a message "
                    "box, and goes on.");
+
+/// Each host has it loaded, so that plug-ins may use it without being linked to it.
+constexpr char managerLibrary[] = PLUGINCHECK_MANAGER_LIBRARY;
 
 /// The manager looks at the file of a plug-in before it is loaded, and not at what that one needs.
 const QString mayEndHost =
@@ -145,7 +149,13 @@ private:
     void checkSymbols(const Candidate &candidate, const QVector<Needed> &needed);
     void checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed);
     void checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed);
-    void addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols, const QString &who);
+    void checkPeSymbolsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
+                          const QVector<Needed> &needed);
+    void removeResolved(std::vector<std::string> &symbols, const LibraryFile &file, const QString &path,
+                        const QStringList &needed) const;
+    const std::vector<std::string> &unresolvedOf(const QString &path);
+    void addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
+                           const QString &message);
     void checkVersions(const Candidate &candidate, const QVector<Needed> &needed);
     void checkQt(const Candidate &candidate, const QVector<Needed> &needed);
     void checkStamp(const Candidate &candidate);
@@ -159,6 +169,7 @@ private:
     NearNames m_nearLibraries;
     NearNames m_nearTools;
     int m_searches = 0;
+    QHash<QString, std::vector<std::string>> m_unresolved;
 };
 
 void LibraryCheck::run(const QVector<Configuration> &configurations)
@@ -532,69 +543,122 @@ void LibraryCheck::checkSymbols(const Candidate &candidate, const QVector<Needed
         checkElfSymbols(candidate, needed);
 }
 
-void LibraryCheck::checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+/// What a library cannot do without, and does not have itself.
+std::vector<std::string> importsOf(const LibraryFile &file)
 {
-    std::vector<std::string> missing;
-    for (const ImportedSymbol &symbol : candidate.file->imports) {
-        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && candidate.file->exports.count(symbol.name) == 0)
-            missing.push_back(symbol.name);
+    std::vector<std::string> symbols;
+    for (const ImportedSymbol &symbol : file.imports) {
+        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && file.exports.count(symbol.name) == 0)
+            symbols.push_back(symbol.name);
     }
-    // What the library needs comes first, then what each host has loaded, and what those need in turn.
+    return symbols;
+}
+
+void removeExported(std::vector<std::string> &symbols, const LibraryFile &file)
+{
+    symbols.erase(std::remove_if(symbols.begin(), symbols.end(),
+                                 [&](const std::string &symbol) { return file.exports.count(symbol) > 0; }),
+                  symbols.end());
+}
+
+/// Takes those symbols out that the libraries have which a file needs, then those that each host has loaded,
+/// and what these need in turn. Takes out all if one of them cannot be read.
+void LibraryCheck::removeResolved(std::vector<std::string> &symbols, const LibraryFile &file,
+                                  const QString &path, const QStringList &needed) const
+{
     QStringList paths;
     QSet<QString> seen;
-    const auto enqueue = [&](const QString &path) {
-        if (!path.isEmpty() && !seen.contains(path)) {
-            seen.insert(path);
-            paths.append(path);
+    const auto enqueue = [&](const QString &library) {
+        if (!library.isEmpty() && !seen.contains(library)) {
+            seen.insert(library);
+            paths.append(library);
         }
     };
-    for (const Needed &library : needed)
-        enqueue(library.path);
+    for (const QString &library : needed)
+        enqueue(library);
     bool hostIsAdded = false;
-    for (int i = 0; !missing.empty(); ++i) {
-        if (i == paths.size()) {
-            if (hostIsAdded)
-                break;
+    for (int i = 0; !symbols.empty(); ++i) {
+        if (i == paths.size() && !hostIsAdded) {
             hostIsAdded = true;
             for (const char *library :
                  {"libQt5Core.so.5", "libQt5Gui.so.5", "libQt5Widgets.so.5", "libglog.so.1", "libstdc++.so.6",
-                  "libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2"})
-                enqueue(
-                    m_search.find(QString::fromLatin1(library), *candidate.file, candidate.path, {}).path);
-            if (i == paths.size())
-                break;
+                  "libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2", managerLibrary})
+                enqueue(m_search.find(QString::fromLatin1(library), file, path, {}).path);
         }
+        if (i == paths.size())
+            return;
         const LibraryFile &library = m_search.read(paths.at(i));
-        if (!library.exportsAreComplete)
-            return;
-        missing.erase(
-            std::remove_if(missing.begin(), missing.end(),
-                           [&](const std::string &symbol) { return library.exports.count(symbol) > 0; }),
-            missing.end());
-        if (missing.empty())
-            return;
+        if (library.exportsAreComplete)
+            removeExported(symbols, library);
+        else
+            symbols.clear();
         for (const QString &name : library.needed)
             enqueue(m_search.find(name, library, paths.at(i), {}).path);
     }
-    addSymbolsMissing(candidate, missing, QStringLiteral("none of the libraries that it needs has"));
+}
+
+/// What a library uses that neither it has, nor what it needs, nor what each host has loaded.
+const std::vector<std::string> &LibraryCheck::unresolvedOf(const QString &path)
+{
+    const auto known = m_unresolved.constFind(path);
+    if (known != m_unresolved.constEnd())
+        return *known;
+    const LibraryFile &file = m_search.read(path);
+    std::vector<std::string> symbols = importsOf(file);
+    removeResolved(symbols, file, path, {path});
+    return *m_unresolved.insert(path, symbols);
+}
+
+void LibraryCheck::checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    QStringList paths;
+    for (const Needed &library : needed)
+        paths.append(library.path);
+    std::vector<std::string> missing = importsOf(*candidate.file);
+    removeResolved(missing, *candidate.file, candidate.path, paths);
+    addSymbolsMissing(candidate, missing,
+                      QStringLiteral("It uses what none of the libraries that it needs has"));
+    for (const Needed &library : needed) {
+        if (library.isSystem)
+            continue;
+        // What is loaded together finds each other's functions.
+        missing = unresolvedOf(library.path);
+        removeExported(missing, *candidate.file);
+        removeResolved(missing, *candidate.file, candidate.path, paths);
+        addSymbolsMissing(candidate, missing,
+                          QStringLiteral("It needs %1, which uses what none of the libraries that are loaded "
+                                         "with it has")
+                              .arg(library.path));
+    }
 }
 
 void LibraryCheck::checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed)
 {
+    checkPeSymbolsOf(*candidate.file, QStringLiteral("It uses"), candidate, needed);
+    for (const Needed &library : needed) {
+        checkPeSymbolsOf(m_search.read(library.path),
+                         QStringLiteral("It needs %1, which uses").arg(library.path), candidate, needed);
+    }
+}
+
+void LibraryCheck::checkPeSymbolsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
+                                    const QVector<Needed> &needed)
+{
     for (const Needed &library : needed) {
         const LibraryFile &file = m_search.read(library.path);
         std::vector<std::string> missing;
-        for (const ImportedSymbol &symbol : candidate.file->imports) {
+        for (const ImportedSymbol &symbol : user.imports) {
             if (symbol.library.compare(library.name, Qt::CaseInsensitive) == 0
                 && file.exports.count(symbol.name) == 0)
                 missing.push_back(symbol.name);
         }
-        addSymbolsMissing(candidate, missing, library.path + QStringLiteral(" does not have"));
+        addSymbolsMissing(candidate, missing,
+                          QStringLiteral("%1 what %2 does not have").arg(who, library.path));
     }
 }
 
 void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
-                                     const QString &who)
+                                     const QString &message)
 {
     if (symbols.empty())
         return;
@@ -606,7 +670,7 @@ void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std
     if (symbols.size() > most)
         names.append(QStringLiteral("and %1 more").arg(symbols.size() - most));
     add(Code::SymbolMissing, candidate,
-        QStringLiteral("It uses what %1: %2.").arg(who, names.join(QStringLiteral(", "))), failsToLoad,
+        QStringLiteral("%1: %2.").arg(message, names.join(QStringLiteral(", "))), failsToLoad,
         QStringLiteral(
             "Link it with the library that has them, in the version that is shipped. c++filt shows the "
             "names as they are written."));

@@ -25,6 +25,7 @@
 #include <exception>
 
 #ifdef Q_OS_UNIX
+#    include <dlfcn.h>
 #    include <sys/resource.h>
 #endif
 
@@ -128,6 +129,11 @@ int runProbe(int argc, char **argv)
     setrlimit(RLIMIT_CORE, &none);
 #endif
     std::set_terminate(sayThrown);
+#ifdef Q_OS_UNIX
+    // Each host has it loaded, and plug-ins may leave functions to it. It need not be found here.
+    if (loadFault(QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)).isEmpty())
+        dlopen(PLUGINCHECK_MANAGER_LIBRARY, RTLD_NOW | RTLD_GLOBAL);
+#endif
     resultFile = arguments.at(2);
     QCoreApplication::setLibraryPaths(arguments.mid(3) + QCoreApplication::libraryPaths());
     try {
