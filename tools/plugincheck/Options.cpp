@@ -57,7 +57,7 @@ QString unlistedDirectory(const QStringList &directories)
     const QRegularExpression separator(QStringLiteral("[:;]"));
 #endif
     for (const QString &directory : directories) {
-        const QString path = QDir(directory).absolutePath();
+        QString path = QDir(directory).absolutePath();
         if (path.contains(separator))
             return path;
     }
