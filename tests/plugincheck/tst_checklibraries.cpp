@@ -4,6 +4,7 @@
 #include "testmain.h"
 
 #include <QtCore/QLibrary>
+#include <QtCore/QPluginLoader>
 #include <QtCore/QTemporaryDir>
 
 using namespace PluginCheck;
@@ -52,9 +53,16 @@ private slots:
     void cutOffLibraryIsAlwaysTold();
     void oddOneOutIsOfAnotherMachine();
     void hugeFileIsNotRead();
+    void toolsAreLookedForWhereQtDoes();
+    void neededLibrariesAreLookedForWhereTheLoaderDoes();
+    void fileIsTheOneThatQtFinds_data();
+    void fileIsTheOneThatQtFinds();
+    void nameWithAFolderIsLeftOut();
 
 private:
     Report check(const QVector<Library> &libraries, Set set, const QStringList &directories = {});
+    Report checkIn(const QStringList &libraryDirectories, const QStringList &toolDirectories, Set set,
+                   const QStringList &names);
 
     std::unique_ptr<QTemporaryDir> m_directory;
 };
@@ -71,11 +79,18 @@ Report tst_CheckLibraries::check(const QVector<Library> &libraries, Set set, con
         TestFiles::write(m_directory->filePath(library.name + ".dll"),
                          library.change ? library.change(content) : content);
     }
+    const QStringList all = QStringList{m_directory->path()} + directories;
+    return checkIn(all, all, set, names);
+}
+
+Report tst_CheckLibraries::checkIn(const QStringList &libraryDirectories, const QStringList &toolDirectories,
+                                   Set set, const QStringList &names)
+{
     Report report;
     const QVector<Configuration> configurations{
         *parseConfiguration("set.json", set, TestFiles::configOf(names), report)};
     checkConfigurations(configurations, report);
-    checkLibraries(configurations, LibrarySearch(QStringList{m_directory->path()} + directories), report);
+    checkLibraries(configurations, LibrarySearch(libraryDirectories, toolDirectories), report);
     report.finish();
     return report;
 }
@@ -120,6 +135,10 @@ void tst_CheckLibraries::findsFault_data()
         {view, good, [](QByteArray content) { return content.replace(32, 8, QByteArray(8, '\x7f')); }},
         "library-damaged");
     row("without factory", {view, checked + "/without_factory/Graphic_View.dll"}, "factory-missing");
+    row("variable instead of a factory", {view, checked + "/data_factory/Graphic_View.dll"},
+        "factory-missing");
+    row("variable instead of an entry point", {view, checked + "/data_entry_point/Graphic_View.dll"},
+        "entry-point-missing");
     row("misspelled factory", {view, checked + "/misspelled_factory/Graphic_View.dll"}, "factory-missing");
     row("factory of C++", {view, checked + "/cpp_factory/Graphic_View.dll"}, "factory-missing");
     row("without entry point", {view, checked + "/without_entry_point/Graphic_View.dll"},
@@ -157,7 +176,24 @@ void tst_CheckLibraries::findsFault_data()
             "symbol-missing");
     row("newer version of a library", {view, checked + "/versioned/Graphic_View.dll"}, "symbol-version",
         Set::Cam, {checked + "/older"});
+    row("program of any address", {view, checked + "/program/Graphic_View.dll"}, "library-format");
+    row("library that forbids to be loaded", {view, checked + "/unopenable/Graphic_View.dll"},
+        "library-format");
+    if (!QByteArray(SANITIZED).toInt()) {
+        row("undefined function in what it needs", {view, checked + "/needy/Graphic_View.dll"},
+            "symbol-missing", Set::Cam, {checked + "/private_undefined"});
+        row("needed library without a name, which is the program",
+            {view, checked + "/needy/Graphic_View.dll",
+             [](QByteArray content) { return content.replace("libprivate.so", QByteArray(13, '\0')); }},
+            "symbol-missing");
+        row("functions of a manager that is nowhere", {view, checked + "/of_manager/Graphic_View.dll"},
+            "symbol-missing");
+    }
 #ifdef HAS_PE_FIXTURES
+    row("DLL with a variable instead of a factory", {view, checked + "/pe_data_factory/Graphic_View.dll"},
+        "factory-missing");
+    row("DLL that needs one with an older helper", {view, checked + "/pe_indirect/Graphic_View.dll"},
+        "symbol-missing", Set::Cam, {checked + "/pe_using_newer", checked + "/pe_older"});
     row("DLL without factory", {view, checked + "/pe_without_factory/Graphic_View.dll"}, "factory-missing");
     row("DLL cut off",
         {view, checked + "/pe/Graphic_View.dll", [](QByteArray content) { return content.left(1000); }},
@@ -224,7 +260,16 @@ void tst_CheckLibraries::acceptsTwin_data()
         Set::Cam, {checked + "/newer"});
     row("needed library in a folder of the call", {"Needy", QStringLiteral(FIXTURE_DIR "/broken/Needy.dll")},
         Set::Cam, {QStringLiteral(FIXTURE_DIR "/elsewhere")});
+    row("with what it needs", {"Graphic_View", checked + "/needy/Graphic_View.dll"}, Set::Cam,
+        {checked + "/private"});
+    row("with functions of the manager", {"Graphic_View", checked + "/of_manager/Graphic_View.dll"}, Set::Cam,
+        {QStringLiteral(MANAGER_DIR)});
+    row("with a text like a stamp", {"Graphic_View", checked + "/two_stamps/Graphic_View.dll"});
+    row("tool with a text like a description", {"Own_Tool", checked + "/two_descriptions/Own_Tool.dll"},
+        Set::Desktop);
 #ifdef HAS_PE_FIXTURES
+    row("DLL with a library that it needs", {"Graphic_View", checked + "/pe_indirect/Graphic_View.dll"},
+        Set::Cam, {checked + "/pe_using_newer", checked + "/pe_newer"});
     row("DLL", {"Graphic_View", checked + "/pe/Graphic_View.dll"}, Set::Cam, {checked + "/pe"});
     row("DLL with its helper", {"Graphic_View", checked + "/pe_helped/Graphic_View.dll"}, Set::Cam,
         {checked + "/pe_newer"});
@@ -281,10 +326,12 @@ void tst_CheckLibraries::agreesWithTheLoader_data()
     QDirIterator found(FIXTURE_DIR, {"*.dll"}, QDir::Files, QDirIterator::Subdirectories);
     while (found.hasNext()) {
         const QString file = found.next();
-        // Those of Windows this loader does not know, and these end or stop the process.
+        // Those of Windows this loader does not know, and these end or stop the process, or need a host.
         const QString folder = QFileInfo(file).dir().dirName();
         if (folder.startsWith("pe")
-            || QStringList{"crashing", "aborting", "hanging", "exiting", "throwing", "case"}.contains(folder))
+            || QStringList{"crashing", "crashing_later", "aborting", "hanging", "forking", "exiting",
+                           "throwing", "case", "of_manager"}
+                   .contains(folder))
             continue;
         libraries.append({QStringLiteral("Own_%1").arg(files.size()), file});
         files.append(file);
@@ -361,6 +408,85 @@ void tst_CheckLibraries::hugeFileIsNotRead()
     const Report report = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
     QCOMPARE(found(report), QStringList{"library-unreadable Graphic_View"});
     QCOMPARE(report.findings().first().message, QStringLiteral("It is larger than 1 GiB."));
+}
+
+void tst_CheckLibraries::toolsAreLookedForWhereQtDoes()
+{
+    const QTemporaryDir empty;
+    const QString tools = QFileInfo(tool).path();
+    const QStringList names{"File_Process"};
+    QCOMPARE(found(checkIn({}, {empty.path(), tools}, Set::Desktop, names)), QStringList());
+    const Report report = checkIn({tools}, {empty.path()}, Set::Desktop, names);
+    QCOMPARE(found(report), QStringList{"library-missing File_Process"});
+    QCOMPARE(report.findings().first().message,
+             QStringLiteral("There is no file \"File_Process.dll\" in %1.").arg(empty.path()));
+    QVERIFY(report.findings().first().advice.contains("--qt-plugin-dir"));
+    QCOMPARE(found(checkIn({QFileInfo(good).path()}, {empty.path()}, Set::Cam, {"Graphic_View"})),
+             QStringList());
+}
+
+void tst_CheckLibraries::neededLibrariesAreLookedForWhereTheLoaderDoes()
+{
+    const QString needy = QStringLiteral(FIXTURE_DIR "/missing_needed_library");
+    const QString needed = QStringLiteral(FIXTURE_DIR "/elsewhere");
+    const QString missing("needed-missing Missing_Needed_Library");
+    const QStringList names{"Missing_Needed_Library"};
+    QVERIFY(found(checkIn({}, {needy, needed}, Set::Desktop, names)).contains(missing));
+    QVERIFY(!found(checkIn({needed}, {needy}, Set::Desktop, names)).contains(missing));
+}
+
+void tst_CheckLibraries::fileIsTheOneThatQtFinds_data()
+{
+    QTest::addColumn<Set>("set");
+    QTest::addColumn<QStringList>("files");
+    const auto row = [](const char *name, Set set, const QStringList &files) {
+        QTest::newRow(name) << set << files;
+    };
+    // The first is what is found.
+    row("library, all names", Set::Cam,
+        {"libGraphic_View.dll.so", "libGraphic_View.dll", "Graphic_View.dll.so", "Graphic_View.dll"});
+    row("library, names in a later folder", Set::Cam, {"later/libGraphic_View.dll.so", "Graphic_View.dll"});
+    row("library with the suffix", Set::Cam, {"Graphic_View.dll.so", "Graphic_View.dll"});
+    row("tool, all names", Set::Desktop,
+        {"File_Process.dll", "File_Process.dll.so", "libFile_Process.dll", "libFile_Process.dll.so"});
+    row("tool, names in a later folder", Set::Desktop, {"libFile_Process.dll.so", "later/File_Process.dll"});
+    row("tool with the suffix", Set::Desktop, {"File_Process.dll.so", "libFile_Process.dll"});
+}
+
+void tst_CheckLibraries::fileIsTheOneThatQtFinds()
+{
+    QFETCH(Set, set);
+    QFETCH(QStringList, files);
+    const bool isTool = set == Set::Desktop;
+    const QTemporaryDir directory;
+    QVERIFY(QDir(directory.path()).mkdir("later"));
+    for (const QString &file : files)
+        QVERIFY(QFile::copy(isTool ? tool : good, directory.filePath(file)));
+    const QStringList directories{directory.path(), directory.filePath("later")};
+    const Report report = checkIn(directories, directories, set, {isTool ? "File_Process" : "Graphic_View"});
+    QCOMPARE(found(report), QStringList());
+    QCOMPARE(report.configurations.first().plugins.first().library, directory.filePath(files.first()));
+    if (!isTool)
+        return; // Where the loader looks cannot be changed in a process; the probe's test does it in one.
+    const QStringList before = QCoreApplication::libraryPaths();
+    QCoreApplication::setLibraryPaths(directories);
+    const QString fileOfQt = QPluginLoader("File_Process.dll").fileName();
+    QCoreApplication::setLibraryPaths(before);
+    QCOMPARE(fileOfQt, directory.filePath(files.first()));
+}
+
+void tst_CheckLibraries::nameWithAFolderIsLeftOut()
+{
+    const QTemporaryDir directory;
+    QVERIFY(QDir(directory.path()).mkdir("sub"));
+    QVERIFY(QFile::copy(good, directory.filePath("sub/Graphic_View.dll")));
+    const Report plain = checkIn({directory.path()}, {}, Set::Cam, {"sub/Graphic_View"});
+    QCOMPARE(plain.configurations.first().plugins.first().library, QString());
+    QCOMPARE(plain.leftOut().size(), 1);
+    QVERIFY(plain.leftOut().first().contains("the host's working directory"));
+    const Report ofTool = checkIn({}, {directory.path()}, Set::Desktop, {"sub/Graphic_View"});
+    QCOMPARE(ofTool.configurations.first().plugins.first().library,
+             directory.filePath("sub/Graphic_View.dll"));
 }
 
 int main(int argc, char **argv)

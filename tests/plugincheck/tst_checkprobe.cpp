@@ -4,6 +4,8 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QTemporaryDir>
 
+#include <csignal>
+
 namespace {
 
 /// What the program says of a set, as its JSON report.
@@ -21,6 +23,32 @@ QJsonObject probe(const QString &configuration, const QStringList &directories, 
     process.waitForFinished(60000);
     *exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+}
+
+/// What the system tells of a process; nothing when it has ended.
+QByteArray told(qint64 process, const QString &what)
+{
+    QFile file(QStringLiteral("/proc/%1/%2").arg(process).arg(what));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Whether a process has ended, also when nobody has asked what became of it.
+bool hasEnded(qint64 process)
+{
+    const QByteArray state = told(process, "stat");
+    return state.isEmpty() || state.mid(state.lastIndexOf(')') + 2, 1) == "Z";
+}
+
+/// The processes that a process has started and that load a library by now.
+QList<qint64> childrenOf(qint64 process)
+{
+    QList<qint64> children;
+    const QByteArray numbers = told(process, QStringLiteral("task/%1/children").arg(process)).simplified();
+    for (const QByteArray &number : numbers.split(' ')) {
+        if (told(number.toLongLong(), "cmdline").contains("--probe-library"))
+            children.append(number.toLongLong());
+    }
+    return children;
 }
 
 QStringList codes(const QJsonObject &report)
@@ -43,6 +71,15 @@ private slots:
     void tellsWhatBecameOfALibrary_data();
     void tellsWhatBecameOfALibrary();
     void oneBadLibraryStopsNoOther();
+    void cutOffLibraryIsRefusedAsByTheManager();
+    void loadsTheFileThatTheManagerLoads();
+    void loadsTheToolOfTheFirstFolder();
+    void libraryPathsAreNoneOfTheLoader();
+    void managerIsLoadedAsInAHost();
+    void findingsComeInTheOrderOfTheList();
+    void whatALibraryStartsEndsWithIt();
+    void nothingIsLeftOfAProbeThatIsEnded_data();
+    void nothingIsLeftOfAProbeThatIsEnded();
 
 private:
     QTemporaryDir m_directory;
@@ -69,7 +106,7 @@ void tst_CheckProbe::tellsWhatBecameOfALibrary_data()
     row("crashes", CHECKED_DIR "/crashing/Graphic_View.dll", "cam", "probe-crashed", "crashed", "signal 11");
     row("aborts", CHECKED_DIR "/aborting/Graphic_View.dll", "cam", "probe-crashed", "crashed", "signal 6");
     row("hangs", CHECKED_DIR "/hanging/Graphic_View.dll", "cam", "probe-hung", "hung",
-        "no end after 2 seconds");
+        "no end after 1 second");
     row("exits", CHECKED_DIR "/exiting/Graphic_View.dll", "cam", "probe-exited", "exited", "status 42");
     row("throws", CHECKED_DIR "/throwing/Graphic_View.dll", "cam", "probe-threw", "threw", "no licence");
     row("needs what is missing", FIXTURE_DIR "/missing_needed_library/Missing_Needed_Library.dll", "cam",
@@ -89,9 +126,8 @@ void tst_CheckProbe::tellsWhatBecameOfALibrary()
     const QString configuration = m_directory.filePath("set.json");
     TestFiles::write(configuration, TestFiles::configOf({QFileInfo(file).completeBaseName()}));
     int exitCode = -1;
-    const QJsonObject report =
-        probe(configuration, {QFileInfo(file).path()},
-              {"--set", set, "--timeout", detail.contains("2 s") ? "2" : "50"}, &exitCode);
+    const QJsonObject report = probe(configuration, {QFileInfo(file).path()},
+                                     {"--set", set, "--timeout", result == "hung" ? "1" : "50"}, &exitCode);
     QStringList probed;
     for (const QString &found : codes(report)) {
         if (found.startsWith("probe-"))
@@ -121,6 +157,166 @@ void tst_CheckProbe::oneBadLibraryStopsNoOther()
     QCOMPARE(plugins[1]["probe"]["output"].toString(), QString("a word on loading"));
     QCOMPARE(plugins[2]["probe"]["result"].toString(), QString("exited"));
     QCOMPARE(exitCode, 1);
+}
+
+/// Behind its first page it is mapped, and touched by the loader.
+void tst_CheckProbe::cutOffLibraryIsRefusedAsByTheManager()
+{
+    const QString folder = m_directory.filePath("cut");
+    QVERIFY(QDir().mkpath(folder));
+    TestFiles::write(folder + "/Graphic_View.dll",
+                     TestFiles::read(FIXTURE_DIR "/sdk_stripped/Graphic_View.dll").left(4096));
+    const QString configuration = m_directory.filePath("cut.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {folder}, {"--set", "cam"}, &exitCode);
+    QCOMPARE(codes(report), (QStringList{"library-truncated", "probe-failed"}));
+    for (const QJsonValue &finding : report["findings"].toArray())
+        QVERIFY(finding["consequence"].toString().endsWith("shows a message box, and goes on."));
+    const QString detail = report["configurations"][0]["plugins"][0]["probe"]["detail"].toString();
+    QVERIFY2(detail.endsWith("/cut/Graphic_View.dll: file too short)"), qPrintable(detail));
+    QCOMPARE(exitCode, 1);
+}
+
+/// The names with a prefix come first for a plain library.
+void tst_CheckProbe::loadsTheFileThatTheManagerLoads()
+{
+    const QString folder = m_directory.filePath("names");
+    QVERIFY(QDir().mkpath(folder));
+    QFile::copy(CHECKED_DIR "/crashing/Graphic_View.dll", folder + "/Graphic_View.dll");
+    QFile::copy(CHECKED_DIR "/talking/Graphic_View.dll", folder + "/libGraphic_View.dll.so");
+    const QString configuration = m_directory.filePath("names.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {folder}, {"--set", "cam"}, &exitCode);
+    const QJsonValue plugin = report["configurations"][0]["plugins"][0];
+    QCOMPARE(plugin["library"].toString(), folder + "/libGraphic_View.dll.so");
+    QCOMPARE(plugin["probe"]["output"].toString(), QString("a word on loading"));
+    QCOMPARE(exitCode, 0);
+}
+
+void tst_CheckProbe::loadsTheToolOfTheFirstFolder()
+{
+    const QStringList folders{m_directory.filePath("first"), m_directory.filePath("second")};
+    const QString configuration = m_directory.filePath("tools.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Tool"}));
+    for (const QString &folder : folders)
+        QVERIFY(QDir().mkpath(folder));
+    QFile::copy(FIXTURE_DIR "/desktop/File_Process.dll", folders.at(0) + "/Own_Tool.dll");
+    QFile::copy(FIXTURE_DIR "/not_a_plugin_interface/Not_A_Plugin_Interface.dll",
+                folders.at(1) + "/Own_Tool.dll");
+    const QStringList options{"--set", "desktop", "--qt-plugin-dir"};
+    int exitCode = -1;
+    const QJsonObject good = probe(
+        configuration, {}, options + QStringList{folders.at(0), "--qt-plugin-dir", folders.at(1)}, &exitCode);
+    QVERIFY(!codes(good).contains("probe-interface"));
+    const QJsonObject bad = probe(
+        configuration, {}, options + QStringList{folders.at(1), "--qt-plugin-dir", folders.at(0)}, &exitCode);
+    QVERIFY(codes(bad).contains("probe-interface"));
+}
+
+/// What a tool needs is not found where Qt finds the tool.
+void tst_CheckProbe::libraryPathsAreNoneOfTheLoader()
+{
+    const QString folder = m_directory.filePath("needy");
+    QVERIFY(QDir().mkpath(folder));
+    QFile::copy(CHECKED_DIR "/needy_tool/Own_Tool.dll", folder + "/Own_Tool.dll");
+    const QString configuration = m_directory.filePath("needy.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Tool"}));
+    const QString needed = QStringLiteral(CHECKED_DIR "/private");
+    int exitCode = -1;
+    const QJsonObject unmet =
+        probe(configuration, {}, {"--set", "desktop", "--qt-plugin-dir", folder, "--qt-plugin-dir", needed},
+              &exitCode);
+    QVERIFY(codes(unmet).contains("needed-missing"));
+    QVERIFY(codes(unmet).contains("probe-failed"));
+    const QJsonObject met =
+        probe(configuration, {needed}, {"--set", "desktop", "--qt-plugin-dir", folder}, &exitCode);
+    QVERIFY(!codes(met).contains("needed-missing"));
+    QVERIFY(!codes(met).contains("probe-failed"));
+    QCOMPARE(met["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
+}
+
+void tst_CheckProbe::managerIsLoadedAsInAHost()
+{
+    const QString configuration = m_directory.filePath("manager.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {CHECKED_DIR "/of_manager", MANAGER_DIR}, {"--set", "cam"}, &exitCode);
+    QCOMPARE(codes(report), QStringList());
+    QCOMPARE(report["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
+}
+
+/// The first library takes longest to crash.
+void tst_CheckProbe::findingsComeInTheOrderOfTheList()
+{
+    const QString folder = m_directory.filePath("order");
+    QVERIFY(QDir().mkpath(folder));
+    const QStringList names{"Own_Later", "Own_Aborting", "Own_Exiting"};
+    QFile::copy(CHECKED_DIR "/crashing_later/Graphic_View.dll", folder + "/Own_Later.dll");
+    QFile::copy(CHECKED_DIR "/aborting/Graphic_View.dll", folder + "/Own_Aborting.dll");
+    QFile::copy(CHECKED_DIR "/exiting/Graphic_View.dll", folder + "/Own_Exiting.dll");
+    const QString configuration = m_directory.filePath("order.json");
+    TestFiles::write(configuration, TestFiles::configOf(names));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {folder}, {"--set", "cam", "--jobs", "3", "--timeout", "50"}, &exitCode);
+    QStringList found;
+    for (const QJsonValue &finding : report["findings"].toArray()) {
+        if (finding["code"].toString().startsWith("probe-"))
+            found.append(finding["plugin"].toString());
+    }
+    QCOMPARE(found, names);
+}
+
+void tst_CheckProbe::whatALibraryStartsEndsWithIt()
+{
+    const QString configuration = m_directory.filePath("forking.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report =
+        probe(configuration, {CHECKED_DIR "/forking"}, {"--set", "cam", "--timeout", "5"}, &exitCode);
+    QCOMPARE(codes(report), QStringList{"probe-hung"});
+    const int started = report["configurations"][0]["plugins"][0]["probe"]["output"].toString().toInt();
+    QVERIFY(started > 0);
+    QTRY_VERIFY(hasEnded(started));
+}
+
+void tst_CheckProbe::nothingIsLeftOfAProbeThatIsEnded_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("hang up") << SIGHUP;
+    QTest::newRow("interrupt") << SIGINT;
+    QTest::newRow("terminate") << SIGTERM;
+    QTest::newRow("kill") << SIGKILL;
+}
+
+void tst_CheckProbe::nothingIsLeftOfAProbeThatIsEnded()
+{
+    QFETCH(int, signal);
+    const QString configuration = m_directory.filePath("ended.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    const QTemporaryDir temporary;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", temporary.path());
+    process.setProcessEnvironment(environment);
+    process.start(PLUGINCHECK, {configuration, "--set", "cam", "--probe", "--timeout", "600", "--library-dir",
+                                CHECKED_DIR "/hanging"});
+    QVERIFY(process.waitForStarted());
+    const qint64 parent = process.processId();
+    QTRY_VERIFY_WITH_TIMEOUT(!childrenOf(parent).isEmpty(), 60000);
+    const QList<qint64> children = childrenOf(parent);
+    QCOMPARE(::kill(pid_t(parent), signal), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process.exitCode(), signal);
+    for (const qint64 child : children)
+        QTRY_VERIFY(hasEnded(child));
+    // Nobody can tidy up after this one.
+    const bool isTidy = signal != SIGKILL;
+    QCOMPARE(QDir(temporary.path()).isEmpty(), isTidy);
 }
 
 int main(int argc, char **argv)

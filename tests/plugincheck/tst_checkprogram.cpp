@@ -73,6 +73,17 @@ void tst_CheckProgram::exitStatusTellsWhatHappened_data()
                                   << QByteArray("there is no check \"x\"");
     QTest::newRow("probe without folder")
         << QStringList{example, "--probe"} << 2 << QByteArray("--probe needs --library-dir");
+#ifndef Q_OS_WIN
+    QDir().mkpath(CHECKED_DIR "/co:lon");
+    QTest::newRow("probe with a folder that no list takes")
+        << QStringList{example, "--probe", "--library-dir", CHECKED_DIR "/co:lon"} << 2
+        << QByteArray("co:lon: in the list of folders that the loader takes, its name would be two");
+#endif
+    QTest::newRow("no folder of tools")
+        << QStringList{example, "--qt-plugin-dir", "/absent"} << 2 << QByteArray("/absent is no folder");
+    QTest::newRow("tools not where Qt looks")
+        << QStringList{example, "--library-dir", EXAMPLE_PLUGIN_DIR, "--qt-plugin-dir", EXAMPLE_DIR} << 1
+        << QByteArray();
     QTest::newRow("no jobs") << QStringList{example, "--jobs", "0"} << 2
                              << QByteArray("--jobs takes a number");
     QTest::newRow("no folder") << QStringList{example, "--library-dir", "/absent"} << 2

@@ -100,21 +100,23 @@ constexpr std::array checks{
     Check{Code::LibraryUnreadable, "library-unreadable", error, "The library's file cannot be read",
           "It may not be read, or is larger than 1 GiB, or is no file."},
     Check{Code::LibraryFormat, "library-format", error, "The file is no library",
-          "The file has the name of a library, but is neither an ELF shared object nor a PE DLL."},
-    Check{Code::LibraryTruncated, "library-truncated", error, "The library's file is cut off",
-          "Its headers promise more than the file has. On Linux loading such a file can end the host with a "
-          "bus error."},
+          "The file has the name of a library, but is neither an ELF shared object nor a PE DLL, or one that "
+          "the loader of Linux refuses: a program, or a library that was linked with -z nodlopen."},
+    Check{
+        Code::LibraryTruncated, "library-truncated", error, "The library's file is cut off",
+        "Its headers promise more than the file has. The manager does not give such a plug-in to the loader: "
+        "it logs \"file too short\", shows a message box, and goes on. It does not look at libraries that "
+        "the plug-in needs; one of these can end the host with a bus error on Linux."},
     Check{Code::LibraryDamaged, "library-damaged", error, "The library's file is damaged",
           "Its headers contradict themselves, so that it cannot be read."},
     Check{
         Code::LibraryMachine, "library-machine", error, "The library is built for another machine",
         "The library has another processor, word size or format than most libraries of the call. One process "
         "cannot load both."},
-    Check{
-        Code::FactoryMissing, "factory-missing", error, "The library lacks the factory that is asked for",
-        "The operation for this library resolves one function by name. Without it the operation returns "
-        "null, "
-        "and nothing is logged. A C++ function is found only when it is declared extern \"C\" and exported."},
+    Check{Code::FactoryMissing, "factory-missing", error, "The library lacks the factory that is asked for",
+          "The operation for this library resolves one function by name. Without it the operation returns "
+          "null, and nothing is logged. A C++ function is found only when it is declared extern \"C\" and "
+          "exported. A variable of that name is called like a function, which crashes the host."},
     Check{
         Code::EntryPointMissing, "entry-point-missing", warning, "The library cannot receive messages",
         "Messages are handed to an exported function recMsgFromManager. Without it they vanish, and nothing "
@@ -126,8 +128,9 @@ constexpr std::array checks{
           "The load fails. On Windows the reason in the log does not say which library is missing."},
     Check{
         Code::SymbolMissing, "symbol-missing", error, "A function that the library uses is nowhere",
-        "None of the libraries that this one needs has the function or variable. The manager asks the loader "
-        "for all of them at once, so the load fails."},
+        "None of the libraries that this one needs has the function or variable, nor one that each host has "
+        "loaded. The manager asks the loader for all of them at once, so the load fails. It does so, too, "
+        "when a library that this one needs lacks something."},
     Check{
         Code::SymbolVersion, "symbol-version", error, "The library needs a newer version of another one",
         "The library was linked with a newer version of a library that it needs, and uses what the one that "

@@ -6,6 +6,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QHash>
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
@@ -38,6 +39,13 @@ struct Needed
 const QString failsToLoad =
     QStringLiteral("The load fails: the manager logs the loader's reason, shows a message "
                    "box, and goes on.");
+
+/// Each host has it loaded, so that plug-ins may use it without being linked to it.
+constexpr char managerLibrary[] = PLUGINCHECK_MANAGER_LIBRARY;
+
+/// The manager looks at the file of a plug-in before it is loaded, and not at what that one needs.
+const QString mayEndHost =
+    QStringLiteral("The load fails, or ends the host when the missing part is touched.");
 
 QString versionText(int version)
 {
@@ -119,13 +127,17 @@ public:
     LibraryCheck(const LibrarySearch &search, Report &report)
         : m_search(search)
         , m_report(report)
-        , m_nearFiles(search.fileNames())
+        , m_nearLibraries(search.libraries().fileNames())
+        , m_nearTools(search.tools().fileNames())
     {
     }
 
     void run(const QVector<Configuration> &configurations);
 
 private:
+    bool isLookedFor(const Configuration &configuration, const QString &name);
+    const Folders &foldersOf(Set set) const;
+    QString fileOf(const QString &fileName, Set set) const;
     bool locate(Candidate &candidate);
     void addMissing(const Candidate &candidate, const QString &fileName);
     bool checkFile(const Candidate &candidate);
@@ -137,7 +149,13 @@ private:
     void checkSymbols(const Candidate &candidate, const QVector<Needed> &needed);
     void checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed);
     void checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed);
-    void addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols, const QString &who);
+    void checkPeSymbolsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
+                          const QVector<Needed> &needed);
+    void removeResolved(std::vector<std::string> &symbols, const LibraryFile &file, const QString &path,
+                        const QStringList &needed) const;
+    const std::vector<std::string> &unresolvedOf(const QString &path);
+    void addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
+                           const QString &message);
     void checkVersions(const Candidate &candidate, const QVector<Needed> &needed);
     void checkQt(const Candidate &candidate, const QVector<Needed> &needed);
     void checkStamp(const Candidate &candidate);
@@ -148,8 +166,10 @@ private:
 
     const LibrarySearch &m_search;
     Report &m_report;
-    NearNames m_nearFiles;
+    NearNames m_nearLibraries;
+    NearNames m_nearTools;
     int m_searches = 0;
+    QHash<QString, std::vector<std::string>> m_unresolved;
 };
 
 void LibraryCheck::run(const QVector<Configuration> &configurations)
@@ -161,7 +181,7 @@ void LibraryCheck::run(const QVector<Configuration> &configurations)
             // Names that cannot be those of files have a finding already.
             const bool isName = std::all_of(result.name.begin(), result.name.end(),
                                             [](QChar character) { return character.unicode() >= ' '; });
-            if (result.name.isEmpty() || !isName)
+            if (result.name.isEmpty() || !isName || !isLookedFor(configuration, result.name))
                 continue;
             const Entry &entry = configuration.entries.at(configuration.entryOfName.value(result.name));
             candidates.append({&configuration, &entry, &result, {}, nullptr});
@@ -193,19 +213,58 @@ void LibraryCheck::add(Code code, const Candidate &candidate, const QString &mes
                   consequence, advice});
 }
 
-/// Finds and reads the file. A plain library is also found under the names that QLibrary makes of a bare one.
+/// Where the host has its working directory is not known.
+bool LibraryCheck::isLookedFor(const Configuration &configuration, const QString &name)
+{
+    if (foldersOf(configuration.set).directories().isEmpty()) {
+        m_report.leaveOut(
+            QStringLiteral("Libraries of CAM and DFM sets were not looked at: no --library-dir is given."));
+        return false;
+    }
+    if (configuration.set == Set::Desktop || !name.contains('/') || QDir::isAbsolutePath(name))
+        return true;
+    m_report.leaveOut(
+        QStringLiteral("Libraries whose names have a folder were not looked for: the CAM manager finds "
+                       "them below the host's working directory alone."));
+    return false;
+}
+
+const Folders &LibraryCheck::foldersOf(Set set) const
+{
+    return set == Set::Desktop ? m_search.tools() : m_search.libraries();
+}
+
+/// Finds the file by the names that Qt tries, in the order in which it does: QPluginLoader tries all of them
+/// in a folder, QLibrary has the loader look for each in all folders.
+QString LibraryCheck::fileOf(const QString &fileName, Set set) const
+{
+    const Folders &folders = foldersOf(set);
+    const int slash = int(fileName.lastIndexOf('/')) + 1;
+    const QString base = fileName.mid(slash);
+    const QString withPrefix = fileName.left(slash) + QLatin1String("lib") + base;
+    const QLatin1String suffix(".so");
+    QString found;
+    if (set == Set::Desktop) {
+        found = folders.exactFile({fileName, fileName + suffix, withPrefix, withPrefix + suffix});
+    } else {
+        QStringList names{fileName + suffix, fileName};
+        if (!base.startsWith(QLatin1String("lib")))
+            names = QStringList{withPrefix + suffix, withPrefix} + names;
+        for (int i = 0; i < names.size() && found.isEmpty(); ++i)
+            found = folders.exactFile({names.at(i)});
+    }
+    // Windows has none of these prefixes and suffixes.
+    return formatOfFile(found) == LibraryFile::Format::Pe ? folders.exactFile({fileName}) : found;
+}
+
+/// Finds and reads the file.
 bool LibraryCheck::locate(Candidate &candidate)
 {
     const QString fileName = candidate.entry->name + QLatin1String(".dll");
-    candidate.path = m_search.exactFile(fileName);
-    if (candidate.path.isEmpty() && candidate.configuration->set != Set::Desktop) {
-        for (const char *pattern : {"lib%1.so", "lib%1", "%1.so"}) {
-            if (candidate.path.isEmpty())
-                candidate.path = m_search.exactFile(QString::fromLatin1(pattern).arg(fileName));
-        }
-    }
+    const Set set = candidate.configuration->set;
+    candidate.path = fileOf(fileName, set);
     if (candidate.path.isEmpty()) {
-        const QString similar = m_search.similarFile(fileName);
+        const QString similar = foldersOf(set).similarFile(fileName);
         if (similar.isEmpty()) {
             addMissing(candidate, fileName);
             return false;
@@ -228,17 +287,18 @@ bool LibraryCheck::locate(Candidate &candidate)
 
 void LibraryCheck::addMissing(const Candidate &candidate, const QString &fileName)
 {
+    const bool isTool = candidate.configuration->set == Set::Desktop;
     QStringList near;
     constexpr int mostSearches = 200; // Each is a pass over all file names.
     if (m_searches++ < mostSearches)
-        near = m_nearFiles.of(fileName, 3);
+        near = (isTool ? m_nearTools : m_nearLibraries).of(fileName, 3);
     add(Code::LibraryMissing, candidate,
         QStringLiteral("There is no file \"%1\" in %2.")
-            .arg(fileName, m_search.directories().join(QStringLiteral(", "))),
+            .arg(fileName, foldersOf(candidate.configuration->set).directories().join(QStringLiteral(", "))),
         failsToLoad,
         near.isEmpty()
-            ? QStringLiteral("Put the library there, name its folder by --library-dir, or take the entry "
-                             "out.")
+            ? QStringLiteral("Put the library there, name its folder by %1, or take the entry out.")
+                  .arg(QLatin1String(isTool ? "--qt-plugin-dir" : "--library-dir"))
             : didYouMean(near));
 }
 
@@ -257,8 +317,7 @@ bool LibraryCheck::checkFile(const Candidate &candidate)
         add(Code::LibraryFormat, candidate, file.detail, failsToLoad, anew);
         break;
     case LibraryFile::Problem::Truncated:
-        add(Code::LibraryTruncated, candidate, file.detail,
-            QStringLiteral("The load fails, or ends the host when the missing part is touched."), anew);
+        add(Code::LibraryTruncated, candidate, file.detail, failsToLoad, anew);
         break;
     case LibraryFile::Problem::Damaged:
         add(Code::LibraryDamaged, candidate, file.detail, failsToLoad, anew);
@@ -310,16 +369,20 @@ void LibraryCheck::checkContents(const Candidate &candidate)
     checkStamp(candidate);
 }
 
-/// Whether a symbol is found in a library. On Linux what the libraries have that it needs is found, too.
-bool resolves(const std::string &symbol, const LibraryFile &file, const QVector<Needed> &needed,
-              const LibrarySearch &search)
+/// Returns the file in which a symbol is found; null if there is none. On Linux what the libraries have that
+/// a plug-in needs is found, too.
+const LibraryFile *definitionOf(const std::string &symbol, const LibraryFile &file,
+                                const QVector<Needed> &needed, const LibrarySearch &search)
 {
     if (file.exports.count(symbol) > 0)
-        return true;
-    return file.format == LibraryFile::Format::Elf
-           && std::any_of(needed.begin(), needed.end(), [&](const Needed &library) {
-                  return !library.isSystem && search.read(library.path).exports.count(symbol) > 0;
-              });
+        return &file;
+    if (file.format != LibraryFile::Format::Elf)
+        return nullptr;
+    for (const Needed &library : needed) {
+        if (!library.isSystem && search.read(library.path).exports.count(symbol) > 0)
+            return &search.read(library.path);
+    }
+    return nullptr;
 }
 
 void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed> &needed)
@@ -341,9 +404,9 @@ void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed
         return;
     }
     const Request *const request = requestNamed(candidate.entry->name, candidate.configuration->set);
-    const bool receives = resolves(entryPoint, file, needed, m_search);
+    const LibraryFile *const receiver = definitionOf(entryPoint, file, needed, m_search);
     if (!request) {
-        if (!receives && !resolves(factoryOfAnyLibrary().toStdString(), file, needed, m_search)) {
+        if (!receiver && !definitionOf(factoryOfAnyLibrary().toStdString(), file, needed, m_search)) {
             add(Code::NameUnused, candidate,
                 QStringLiteral("No operation asks for \"%1\", and it exports neither %2 nor %3.")
                     .arg(candidate.entry->name, QString::fromLatin1(factoryOfAnyLibrary()),
@@ -354,14 +417,29 @@ void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed
         return;
     }
     for (const QByteArray &factory : request->factories) {
-        if (!resolves(factory.toStdString(), file, needed, m_search))
+        const std::string symbol = factory.toStdString();
+        const LibraryFile *const maker = definitionOf(symbol, file, needed, m_search);
+        if (!maker) {
             addFactoryMissing(candidate, factory);
+        } else if (maker->data.count(symbol) > 0) {
+            add(Code::FactoryMissing, candidate,
+                QStringLiteral("The library exports %1, but as data, not as a function.")
+                    .arg(QString::fromLatin1(factory)),
+                QStringLiteral("The operation for it calls the data, and the host crashes."),
+                QStringLiteral("Make it a function."));
+        }
     }
-    if (!receives) {
+    if (!receiver) {
         add(Code::EntryPointMissing, candidate,
             QStringLiteral("The library does not export %1.").arg(QString::fromLatin1(entryPoint)),
             QStringLiteral("Messages to it vanish, and nothing is logged."),
             QStringLiteral("Export it; PLUGINMANGER_ENTRY_POINT in pluginMangerSdk.h does."));
+    } else if (receiver->data.count(entryPoint) > 0) {
+        add(Code::EntryPointMissing, candidate,
+            QStringLiteral("The library exports %1, but as data, not as a function.")
+                .arg(QString::fromLatin1(entryPoint)),
+            QStringLiteral("The first message to it calls the data, and the host crashes."),
+            QStringLiteral("Make it a function."));
     }
 }
 
@@ -444,7 +522,8 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
                 complete = false;
                 add(Code::NeededMissing, candidate,
                     QStringLiteral("It needs %1, and that file is no good: %2").arg(found.path, file.detail),
-                    failsToLoad, QStringLiteral("Build or copy that file anew."));
+                    file.problem == LibraryFile::Problem::Truncated ? mayEndHost : failsToLoad,
+                    QStringLiteral("Build or copy that file anew."));
                 continue;
             }
             QStringList inherited = step.inherited;
@@ -464,69 +543,122 @@ void LibraryCheck::checkSymbols(const Candidate &candidate, const QVector<Needed
         checkElfSymbols(candidate, needed);
 }
 
-void LibraryCheck::checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+/// What a library cannot do without, and does not have itself.
+std::vector<std::string> importsOf(const LibraryFile &file)
 {
-    std::vector<std::string> missing;
-    for (const ImportedSymbol &symbol : candidate.file->imports) {
-        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && candidate.file->exports.count(symbol.name) == 0)
-            missing.push_back(symbol.name);
+    std::vector<std::string> symbols;
+    for (const ImportedSymbol &symbol : file.imports) {
+        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && file.exports.count(symbol.name) == 0)
+            symbols.push_back(symbol.name);
     }
-    // What the library needs comes first, then what each host has loaded, and what those need in turn.
+    return symbols;
+}
+
+void removeExported(std::vector<std::string> &symbols, const LibraryFile &file)
+{
+    symbols.erase(std::remove_if(symbols.begin(), symbols.end(),
+                                 [&](const std::string &symbol) { return file.exports.count(symbol) > 0; }),
+                  symbols.end());
+}
+
+/// Takes those symbols out that the libraries have which a file needs, then those that each host has loaded,
+/// and what these need in turn. Takes out all if one of them cannot be read.
+void LibraryCheck::removeResolved(std::vector<std::string> &symbols, const LibraryFile &file,
+                                  const QString &path, const QStringList &needed) const
+{
     QStringList paths;
     QSet<QString> seen;
-    const auto enqueue = [&](const QString &path) {
-        if (!path.isEmpty() && !seen.contains(path)) {
-            seen.insert(path);
-            paths.append(path);
+    const auto enqueue = [&](const QString &library) {
+        if (!library.isEmpty() && !seen.contains(library)) {
+            seen.insert(library);
+            paths.append(library);
         }
     };
-    for (const Needed &library : needed)
-        enqueue(library.path);
+    for (const QString &library : needed)
+        enqueue(library);
     bool hostIsAdded = false;
-    for (int i = 0; !missing.empty(); ++i) {
-        if (i == paths.size()) {
-            if (hostIsAdded)
-                break;
+    for (int i = 0; !symbols.empty(); ++i) {
+        if (i == paths.size() && !hostIsAdded) {
             hostIsAdded = true;
             for (const char *library :
                  {"libQt5Core.so.5", "libQt5Gui.so.5", "libQt5Widgets.so.5", "libglog.so.1", "libstdc++.so.6",
-                  "libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2"})
-                enqueue(
-                    m_search.find(QString::fromLatin1(library), *candidate.file, candidate.path, {}).path);
-            if (i == paths.size())
-                break;
+                  "libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2", managerLibrary})
+                enqueue(m_search.find(QString::fromLatin1(library), file, path, {}).path);
         }
+        if (i == paths.size())
+            return;
         const LibraryFile &library = m_search.read(paths.at(i));
-        if (!library.exportsAreComplete)
-            return;
-        missing.erase(
-            std::remove_if(missing.begin(), missing.end(),
-                           [&](const std::string &symbol) { return library.exports.count(symbol) > 0; }),
-            missing.end());
-        if (missing.empty())
-            return;
+        if (library.exportsAreComplete)
+            removeExported(symbols, library);
+        else
+            symbols.clear();
         for (const QString &name : library.needed)
             enqueue(m_search.find(name, library, paths.at(i), {}).path);
     }
-    addSymbolsMissing(candidate, missing, QStringLiteral("none of the libraries that it needs has"));
+}
+
+/// What a library uses that neither it has, nor what it needs, nor what each host has loaded.
+const std::vector<std::string> &LibraryCheck::unresolvedOf(const QString &path)
+{
+    const auto known = m_unresolved.constFind(path);
+    if (known != m_unresolved.constEnd())
+        return *known;
+    const LibraryFile &file = m_search.read(path);
+    std::vector<std::string> symbols = importsOf(file);
+    removeResolved(symbols, file, path, {path});
+    return *m_unresolved.insert(path, symbols);
+}
+
+void LibraryCheck::checkElfSymbols(const Candidate &candidate, const QVector<Needed> &needed)
+{
+    QStringList paths;
+    for (const Needed &library : needed)
+        paths.append(library.path);
+    std::vector<std::string> missing = importsOf(*candidate.file);
+    removeResolved(missing, *candidate.file, candidate.path, paths);
+    addSymbolsMissing(candidate, missing,
+                      QStringLiteral("It uses what none of the libraries that it needs has"));
+    for (const Needed &library : needed) {
+        if (library.isSystem)
+            continue;
+        // What is loaded together finds each other's functions.
+        missing = unresolvedOf(library.path);
+        removeExported(missing, *candidate.file);
+        removeResolved(missing, *candidate.file, candidate.path, paths);
+        addSymbolsMissing(candidate, missing,
+                          QStringLiteral("It needs %1, which uses what none of the libraries that are loaded "
+                                         "with it has")
+                              .arg(library.path));
+    }
 }
 
 void LibraryCheck::checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed)
 {
+    checkPeSymbolsOf(*candidate.file, QStringLiteral("It uses"), candidate, needed);
+    for (const Needed &library : needed) {
+        checkPeSymbolsOf(m_search.read(library.path),
+                         QStringLiteral("It needs %1, which uses").arg(library.path), candidate, needed);
+    }
+}
+
+void LibraryCheck::checkPeSymbolsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
+                                    const QVector<Needed> &needed)
+{
     for (const Needed &library : needed) {
         const LibraryFile &file = m_search.read(library.path);
         std::vector<std::string> missing;
-        for (const ImportedSymbol &symbol : candidate.file->imports) {
+        for (const ImportedSymbol &symbol : user.imports) {
             if (symbol.library.compare(library.name, Qt::CaseInsensitive) == 0
                 && file.exports.count(symbol.name) == 0)
                 missing.push_back(symbol.name);
         }
-        addSymbolsMissing(candidate, missing, library.path + QStringLiteral(" does not have"));
+        addSymbolsMissing(candidate, missing,
+                          QStringLiteral("%1 what %2 does not have").arg(who, library.path));
     }
 }
 
 void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
-                                     const QString &who)
+                                     const QString &message)
 {
     if (symbols.empty())
         return;
@@ -538,7 +670,7 @@ void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std
     if (symbols.size() > most)
         names.append(QStringLiteral("and %1 more").arg(symbols.size() - most));
     add(Code::SymbolMissing, candidate,
-        QStringLiteral("It uses what %1: %2.").arg(who, names.join(QStringLiteral(", "))), failsToLoad,
+        QStringLiteral("%1: %2.").arg(message, names.join(QStringLiteral(", "))), failsToLoad,
         QStringLiteral(
             "Link it with the library that has them, in the version that is shipped. c++filt shows the "
             "names as they are written."));

@@ -6,7 +6,9 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QtEndian>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #ifdef PLUGINCHECK_HAS_LIEF
 #    include <LIEF/ELF.hpp>
@@ -20,39 +22,26 @@ namespace {
 
 constexpr qint64 largestFile = qint64(1024) * 1024 * 1024;
 
-/// What QLibrary looks for to tell a Qt plug-in from other libraries, and what follows there.
-void readQtMetadata(const QByteArray &content, LibraryFile &file)
+/// What QLibrary looks for to tell a Qt plug-in from other libraries, and what follows there. It takes the
+/// last one in a section of its own, and on Windows the last one of the file.
+void readQtMetadata(const LibraryHeader &header, const QByteArray &content, LibraryFile &file)
 {
-    constexpr char marker[] = "QTMETADATA !";
-    constexpr char olderMarker[] = "QTMETADATA  ";
+    constexpr char marker[] = "QTMETADATA ";
+    constexpr char newerMarker[] = "QTMETADATA !";
     constexpr int headerLength = 4;
     if (file.exports.count("qt_plugin_instance") == 0)
         return;
-    const int begin = int(content.indexOf(QByteArray::fromRawData(marker, sizeof marker - 1)));
-    if (begin < 0) {
-        file.isQtPlugin = content.contains(QByteArray::fromRawData(olderMarker, sizeof olderMarker - 1));
+    const QByteArray searched =
+        file.format == LibraryFile::Format::Pe ? content : header.section(".qtmetadata");
+    const int begin = int(searched.lastIndexOf(marker));
+    file.isQtPlugin = begin >= 0;
+    const int versions = begin + int(sizeof newerMarker) - 1;
+    if (begin < 0 || searched.indexOf(newerMarker, begin) != begin
+        || searched.size() - versions < headerLength)
         return;
-    }
-    const int header = begin + int(sizeof marker) - 1;
-    if (content.size() - header < headerLength)
-        return;
-    const auto byte = [&](int at) { return static_cast<unsigned char>(content.at(header + at)); };
-    file.isQtPlugin = true;
+    const auto byte = [&](int at) { return static_cast<unsigned char>(searched.at(versions + at)); };
     file.qtPluginVersion = byte(1) * 256 + byte(2);
     file.isQtDebug = (byte(3) & 0x80) != 0;
-}
-
-void readStamp(const QByteArray &content, LibraryFile &file)
-{
-    constexpr char begin[] = "pluginMangerAbi=";
-    constexpr int longest = 248;
-    if (file.exports.count("pluginMangerAbiStamp") == 0)
-        return;
-    const int at = int(content.indexOf(QByteArray::fromRawData(begin, sizeof begin - 1)));
-    if (at >= 0)
-        file.stamp =
-            QByteArray(content.constData() + at,
-                       int(qstrnlen(content.constData() + at, uint(qMin(longest, content.size() - at)))));
 }
 
 /// The version in a PE file's resources, by the number that its structure begins with.
@@ -90,17 +79,34 @@ QStringList paths(const std::vector<std::string> &all)
     return list;
 }
 
-void readElfSymbols(const LIEF::ELF::Binary &binary, LibraryFile &file)
+constexpr char stampName[] = "pluginMangerAbiStamp";
+
+void readStamp(const LibraryHeader &header, quint64 address, LibraryFile &file)
+{
+    constexpr quint64 longest = 248;
+    const QByteArray text = header.contentAt(address, longest);
+    if (text.startsWith("pluginMangerAbi="))
+        file.stamp = text.left(int(qstrnlen(text.constData(), uint(text.size()))));
+}
+
+void readElfSymbols(const LIEF::ELF::Binary &binary, const LibraryHeader &header, LibraryFile &file)
 {
     using namespace LIEF::ELF;
+    constexpr ELF_SYMBOL_TYPES callable[] = {ELF_SYMBOL_TYPES::STT_FUNC, ELF_SYMBOL_TYPES::STT_GNU_IFUNC,
+                                             ELF_SYMBOL_TYPES::STT_NOTYPE};
     for (const Symbol &symbol : binary.dynamic_symbols()) {
         const SYMBOL_BINDINGS binding = symbol.binding();
         if (symbol.name().empty() || binding == SYMBOL_BINDINGS::STB_LOCAL)
             continue;
-        if (symbol.shndx() == static_cast<uint16_t>(SYMBOL_SECTION_INDEX::SHN_UNDEF))
+        if (symbol.shndx() == static_cast<uint16_t>(SYMBOL_SECTION_INDEX::SHN_UNDEF)) {
             file.imports.append({symbol.name(), {}, binding == SYMBOL_BINDINGS::STB_WEAK});
-        else
-            file.exports.insert(symbol.name());
+            continue;
+        }
+        file.exports.insert(symbol.name());
+        if (std::find(std::begin(callable), std::end(callable), symbol.type()) == std::end(callable))
+            file.data.insert(symbol.name());
+        if (symbol.name() == stampName)
+            readStamp(header, symbol.value(), file);
     }
 }
 
@@ -115,14 +121,17 @@ void readElf(const LibraryHeader &header, LibraryFile &file)
     if (!binary)
         throw LIEF::exception("The file cannot be parsed.");
     for (const DynamicEntry &entry : binary->dynamic_entries()) {
-        if (const auto *const library = dynamic_cast<const DynamicEntryLibrary *>(&entry))
-            file.needed.append(QFile::decodeName(QByteArray::fromStdString(library->name())));
-        else if (const auto *const rpath = dynamic_cast<const DynamicEntryRpath *>(&entry))
+        if (const auto *const library = dynamic_cast<const DynamicEntryLibrary *>(&entry)) {
+            // Without a name it is the program itself to the loader.
+            if (!library->name().empty())
+                file.needed.append(QFile::decodeName(QByteArray::fromStdString(library->name())));
+        }
+        if (const auto *const rpath = dynamic_cast<const DynamicEntryRpath *>(&entry))
             file.rpath += paths(rpath->paths());
         else if (const auto *const runpath = dynamic_cast<const DynamicEntryRunPath *>(&entry))
             file.runpath += paths(runpath->paths());
     }
-    readElfSymbols(*binary, file);
+    readElfSymbols(*binary, header, file);
     for (const SymbolVersionRequirement &requirement : binary->symbols_version_requirement()) {
         for (const SymbolVersionAuxRequirement &version : requirement.auxiliary_symbols()) {
             file.importedVersions.append({QString::fromStdString(requirement.name()), version.name()});
@@ -142,8 +151,13 @@ void readPe(const LibraryHeader &header, LibraryFile &file)
         throw LIEF::exception("The file cannot be parsed.");
     if (binary->has_exports()) {
         for (const ExportEntry &entry : binary->get_export().entries()) {
-            if (!entry.name().empty())
-                file.exports.insert(entry.name());
+            if (entry.name().empty())
+                continue;
+            file.exports.insert(entry.name());
+            if (!header.isFunction(entry.address()))
+                file.data.insert(entry.name());
+            if (entry.name() == stampName)
+                readStamp(header, entry.address(), file);
         }
     }
     for (const Import &import : binary->imports()) {
@@ -198,8 +212,7 @@ LibraryFile readLibrary(const QByteArray &content)
     readContents(header, file);
     if (file.format == LibraryFile::Format::Pe)
         readResourceVersion(content, file);
-    readQtMetadata(content, file);
-    readStamp(content, file);
+    readQtMetadata(header, content, file);
     return file;
 }
 

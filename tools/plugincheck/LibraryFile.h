@@ -45,6 +45,8 @@ struct LibraryFile
     QStringList rpath;
     QStringList runpath;
     std::unordered_set<std::string> exports;
+    /// Those of the exports that cannot be called.
+    std::unordered_set<std::string> data;
     QVector<ImportedSymbol> imports;
     QVector<ImportedVersion> importedVersions;
     std::unordered_set<std::string> definedVersions;

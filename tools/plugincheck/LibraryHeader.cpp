@@ -73,6 +73,73 @@ quint64 LibraryHeader::word(quint64 position32, quint64 position64) const
     return isWide() ? at<quint64>(position64) : at<quint32>(position32);
 }
 
+/// A part of the file; less of it beyond the file's end.
+QByteArray LibraryHeader::bytes(quint64 begin, quint64 length) const
+{
+    const auto size = quint64(m_content.size());
+    return begin >= size ? QByteArray() : m_content.mid(int(begin), int(std::min(length, size - begin)));
+}
+
+QByteArray LibraryHeader::section(const char *name) const
+{
+    if (isPe() || !hasSections())
+        return {};
+    const quint64 sections = word(32, 40);
+    const quint64 sectionSize = isWide() ? 64 : 40;
+    const quint64 sectionCount = at<quint16>(isWide() ? 60 : 48);
+    const quint64 names = sections + at<quint16>(isWide() ? 62 : 50) * sectionSize;
+    const quint64 namesBegin = word(names + 16, names + 24);
+    const int length = int(qstrlen(name)) + 1; // With the zero at its end.
+    for (quint64 i = 0; i < sectionCount; ++i) {
+        const quint64 header = sections + i * sectionSize;
+        const quint64 place = namesBegin + at<quint32>(header);
+        if (place >= namesBegin && bytes(place, quint64(length)) == QByteArray::fromRawData(name, length))
+            return bytes(word(header + 16, header + 24), word(header + 20, header + 32));
+    }
+    return {};
+}
+
+QByteArray LibraryHeader::contentAt(quint64 address, quint64 length) const
+{
+    constexpr quint64 loadable = 1;
+    const quint64 header = at<quint32>(60);
+    const quint64 table = isPe() ? header + 24 + at<quint16>(header + 20) : word(28, 32);
+    const quint64 count = isPe() ? at<quint16>(header + 6) : at<quint16>(isWide() ? 56 : 44);
+    const quint64 size = isPe() ? 40 : (isWide() ? 56 : 32);
+    for (quint64 i = 0; i < count; ++i) {
+        const quint64 part = table + i * size;
+        if (!isPe() && at<quint32>(part) != loadable)
+            continue;
+        const quint64 begin = isPe() ? at<quint32>(part + 12) : word(part + 8, part + 16);
+        const quint64 inFile = isPe() ? at<quint32>(part + 16) : word(part + 16, part + 32);
+        const quint64 offset = isPe() ? at<quint32>(part + 20) : word(part + 4, part + 8);
+        if (address >= begin && address - begin < inFile)
+            return bytes(offset + (address - begin), std::min(length, inFile - (address - begin)));
+    }
+    return {};
+}
+
+bool LibraryHeader::isFunction(quint64 address) const
+{
+    constexpr quint64 executable = 0x20000000;
+    const quint64 header = at<quint32>(60);
+    const quint64 optional = header + 24;
+    // The first directory is that of exports; an address in it is that of a name.
+    const quint64 exports = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
+    const quint64 exportsBegin = at<quint32>(exports);
+    if (address >= exportsBegin && address - exportsBegin < at<quint32>(exports + 4))
+        return true;
+    const quint64 sections = optional + at<quint16>(header + 20);
+    for (quint64 i = 0; i < at<quint16>(header + 6); ++i) {
+        const quint64 section = sections + 40 * i;
+        const quint64 begin = at<quint32>(section + 12);
+        const quint64 length = std::max(at<quint32>(section + 8), at<quint32>(section + 16));
+        if (address >= begin && address - begin < length)
+            return (at<quint32>(section + 36) & executable) != 0;
+    }
+    return false;
+}
+
 void LibraryHeader::describe(LibraryFile &file) const
 {
     if (m_content.size() >= 20 && std::equal(std::begin(elfMagic), std::end(elfMagic), m_content.begin())) {
@@ -100,6 +167,8 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     constexpr quint64 sharedObject = 3;
     constexpr quint64 loadable = 1;
     constexpr quint64 dynamic = 2;
+    constexpr quint64 program = 0x08000000;
+    constexpr quint64 unopenable = 0x40;
     const auto size = quint64(m_content.size());
     file.format = LibraryFile::Format::Elf;
     file.machine = machineName(elfMachines, at<quint16>(18));
@@ -148,7 +217,35 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     } else if (!isDynamic || !isLoadable) {
         file.problem = LibraryFile::Problem::Damaged;
         file.detail = QStringLiteral("The file has no dynamic section, or nothing to load.");
+    } else if (dynamicFlags() & program) {
+        file.problem = LibraryFile::Problem::NoLibrary;
+        file.detail = QStringLiteral("It is a program, which the loader loads into no other.");
+    } else if (dynamicFlags() & unopenable) {
+        file.problem = LibraryFile::Problem::NoLibrary;
+        file.detail = QStringLiteral("It was linked with -z nodlopen, so that the loader refuses it.");
     }
+}
+
+/// What DT_FLAGS_1 says of how the library may be loaded.
+quint64 LibraryHeader::dynamicFlags() const
+{
+    constexpr quint64 dynamic = 2;
+    constexpr quint64 flags = 0x6ffffffb;
+    const quint64 segmentSize = isWide() ? 56 : 32;
+    const quint64 width = isWide() ? 8 : 4;
+    for (quint64 i = 0; i < at<quint16>(isWide() ? 56 : 44); ++i) {
+        const quint64 segment = word(28, 32) + i * segmentSize;
+        if (at<quint32>(segment) != dynamic)
+            continue;
+        const quint64 begin = word(segment + 4, segment + 8);
+        const quint64 end = begin + word(segment + 16, segment + 32);
+        for (quint64 entry = begin; entry + 2 * width <= end && word(entry, entry) != 0; entry += 2 * width) {
+            if (word(entry, entry) == flags)
+                return word(entry + width, entry + width);
+        }
+        break;
+    }
+    return 0;
 }
 
 void LibraryHeader::describePe(LibraryFile &file) const

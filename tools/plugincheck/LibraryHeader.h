@@ -21,6 +21,15 @@ public:
     /// Returns the content with all taken out that nobody here asks for, so that nobody stumbles over it.
     std::vector<uint8_t> reduced() const;
 
+    /// Returns what lies in a section of an ELF file; nothing if there is no such section.
+    QByteArray section(const char *name) const;
+
+    /// Returns what is at an address when the library is loaded, as far as the file has it, up to a length.
+    QByteArray contentAt(quint64 address, quint64 length) const;
+
+    /// Whether a PE file has code at an address, or the name of a function of another library.
+    bool isFunction(quint64 address) const;
+
     /// Whether an ELF file has a table of sections with one of dynamic symbols, and both lie in the file.
     bool hasSections() const;
 
@@ -28,11 +37,14 @@ private:
     template <typename Number>
     quint64 at(quint64 position) const;
     quint64 word(quint64 position32, quint64 position64) const;
+    QByteArray bytes(quint64 begin, quint64 length) const;
+    quint64 dynamicFlags() const;
     void describeElf(LibraryFile &file) const;
     void describePe(LibraryFile &file) const;
     void reduceElf(std::vector<uint8_t> &bytes) const;
     void reduceDynamic(std::vector<uint8_t> &bytes, quint64 begin, quint64 length) const;
     void reducePe(std::vector<uint8_t> &bytes) const;
+    bool isPe() const { return m_content.startsWith("MZ"); }
     bool isWide() const { return m_isWide; }
 
     const QByteArray m_content;

@@ -176,7 +176,7 @@ const QStringList &defaultDirectories()
 
 }
 
-LibrarySearch::LibrarySearch(const QStringList &directories)
+Folders::Folders(const QStringList &directories)
     : m_directories(directories)
 {
     for (const QString &directory : directories) {
@@ -189,24 +189,19 @@ LibrarySearch::LibrarySearch(const QStringList &directories)
     }
 }
 
-QString LibrarySearch::exactFile(const QString &name) const
+QString Folders::exactFile(const QStringList &names) const
 {
-    if (name.contains('/')) {
-        for (const QString &directory : m_directories) {
-            QString path = QDir(directory).filePath(name);
-            if (QFileInfo(path).isFile())
+    for (int i = 0; i < m_directories.size(); ++i) {
+        for (const QString &name : names) {
+            QString path = QDir(m_directories.at(i)).filePath(name);
+            if (name.contains('/') ? QFileInfo(path).isFile() : m_files.at(i).contains(name.toLower(), name))
                 return path;
         }
-        return {};
-    }
-    for (int i = 0; i < m_directories.size(); ++i) {
-        if (m_files.at(i).contains(name.toLower(), name))
-            return QDir(m_directories.at(i)).filePath(name);
     }
     return {};
 }
 
-QString LibrarySearch::similarFile(const QString &name) const
+QString Folders::similarFile(const QString &name) const
 {
     for (int i = 0; i < m_directories.size(); ++i) {
         const auto file = m_files.at(i).constFind(name.toLower());
@@ -216,7 +211,7 @@ QString LibrarySearch::similarFile(const QString &name) const
     return {};
 }
 
-QStringList LibrarySearch::fileNames() const
+QStringList Folders::fileNames() const
 {
     QStringList names;
     for (const QMultiHash<QString, QString> &files : m_files)
@@ -224,6 +219,12 @@ QStringList LibrarySearch::fileNames() const
     names.sort();
     names.removeDuplicates();
     return names;
+}
+
+LibrarySearch::LibrarySearch(const QStringList &libraries, const QStringList &tools)
+    : m_libraries(libraries)
+    , m_tools(tools)
+{
 }
 
 const LibraryFile &LibrarySearch::read(const QString &path) const
@@ -242,7 +243,7 @@ FoundLibrary LibrarySearch::find(const QString &needed, const LibraryFile &file,
 
 FoundLibrary LibrarySearch::findPe(const QString &needed) const
 {
-    const QString path = similarFile(needed);
+    const QString path = m_libraries.similarFile(needed);
     if (!path.isEmpty())
         return {FoundLibrary::State::Found, path, false};
     if (isWindowsLibrary(needed))
@@ -262,7 +263,7 @@ FoundLibrary LibrarySearch::findElf(const QString &needed, const LibraryFile &fi
     QStringList directories;
     if (file.runpath.isEmpty())
         directories = expandedPaths(file.rpath, path) + inherited;
-    directories += m_directories;
+    directories += m_libraries.directories();
     if (file.isNative)
         directories += QFile::decodeName(qgetenv("LD_LIBRARY_PATH")).split(':', Qt::SkipEmptyParts);
     directories += expandedPaths(file.runpath, path);

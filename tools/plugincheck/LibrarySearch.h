@@ -20,26 +20,42 @@ struct FoundLibrary
     bool isSystem = false;
 };
 
+/// Folders, the order of which counts, and the files in them.
+class Folders
+{
+public:
+    explicit Folders(const QStringList &directories);
+
+    const QStringList &directories() const { return m_directories; }
+
+    /// Returns the path of the first file of one of these names, with its case; empty if there is none. Looks
+    /// for all names in a folder before the next one.
+    QString exactFile(const QStringList &names) const;
+
+    /// Returns the path of the first file of that name without regard to case.
+    QString similarFile(const QString &name) const;
+
+    QStringList fileNames() const;
+
+private:
+    QStringList m_directories;
+    QVector<QMultiHash<QString, QString>>
+        m_files; // For each folder: names in small letters, and as they are.
+};
+
 /**
  * Finds libraries by the rules of the platform that a file is for: of ELF files in rpaths, the folders of the
- * call, LD_LIBRARY_PATH, runpaths, and where the system's loader looks; of PE files in the folders of the
- * call and among those that Windows brings. The system's folders are asked only for files of this machine.
+ * loader, LD_LIBRARY_PATH, runpaths, and where the system's loader looks; of PE files in the folders of the
+ * loader and among those that Windows brings. The system's folders are asked only for files of this machine.
  */
 class LibrarySearch
 {
 public:
-    explicit LibrarySearch(const QStringList &directories);
+    /// `tools` are the folders in which Qt finds plug-ins, where the system's loader does not look.
+    LibrarySearch(const QStringList &libraries, const QStringList &tools);
 
-    const QStringList &directories() const { return m_directories; }
-
-    /// Returns the path of a file in the folders of the call, with its case; empty if there is none.
-    QString exactFile(const QString &name) const;
-
-    /// The same without regard to case.
-    QString similarFile(const QString &name) const;
-
-    /// Returns all files in the folders of the call.
-    QStringList fileNames() const;
+    const Folders &libraries() const { return m_libraries; }
+    const Folders &tools() const { return m_tools; }
 
     /// Finds a library that `file`, which lies at `path`, needs. `inherited` are the rpaths of those by which
     /// it was itself found.
@@ -57,9 +73,8 @@ private:
     const QString &machineOf(const QString &path) const;
     const QHash<QString, QString> &systemCache() const;
 
-    QStringList m_directories;
-    QVector<QMultiHash<QString, QString>>
-        m_files; // For each folder: names in small letters, and as they are.
+    const Folders m_libraries;
+    const Folders m_tools;
     mutable QHash<QString, std::shared_ptr<const LibraryFile>> m_read;
     mutable QHash<QString, QString> m_machines;
     mutable QHash<QString, QString> m_systemCache;

@@ -3,7 +3,9 @@
 #include "TextReport.h"
 
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QThread>
 
 #ifdef Q_OS_WIN
@@ -49,6 +51,22 @@ ParsedOptions refused(const QString &why)
             usage};
 }
 
+/// Returns the first folder that has what separates folders in its name; empty if there is none.
+QString unlistedDirectory(const QStringList &directories)
+{
+#ifdef Q_OS_WIN
+    const QRegularExpression separator(QStringLiteral(";"));
+#else
+    const QRegularExpression separator(QStringLiteral("[:;]"));
+#endif
+    for (const QString &directory : directories) {
+        QString path = QDir(directory).absolutePath();
+        if (path.contains(separator))
+            return path;
+    }
+    return {};
+}
+
 std::optional<Format> formatNamed(const QString &name)
 {
     const QStringList names{QStringLiteral("text"), QStringLiteral("json"), QStringLiteral("dot"),
@@ -70,6 +88,12 @@ ParsedOptions parseOptions(const QStringList &arguments)
         QStringLiteral("Folder in which the host's loader finds libraries. May be "
                        "given again; the order counts. Without it only "
                        "configuration files are checked."),
+        QStringLiteral("DIR"));
+    const QCommandLineOption qtPluginDir(
+        QStringLiteral("qt-plugin-dir"),
+        QStringLiteral("Folder in which the host's QCoreApplication::libraryPaths() finds desktop tools. May "
+                       "be given again; the order counts. Without it those of --library-dir are taken, as "
+                       "for a host that adds them to both."),
         QStringLiteral("DIR"));
     const QCommandLineOption set(
         QStringLiteral("set"),
@@ -101,8 +125,8 @@ ParsedOptions parseOptions(const QStringList &arguments)
                                      QStringLiteral("CODE"));
     QCommandLineOption checkTable(QStringLiteral("check-table"));
     checkTable.setFlags(QCommandLineOption::HiddenFromHelp); // For docs/plugincheck.md.
-    parser.addOptions(
-        {libraryDir, set, format, probe, jobs, timeout, strict, color, listChecks, explain, checkTable});
+    parser.addOptions({libraryDir, qtPluginDir, set, format, probe, jobs, timeout, strict, color, listChecks,
+                       explain, checkTable});
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
 
@@ -138,7 +162,9 @@ ParsedOptions parseOptions(const QStringList &arguments)
         options.sets.append(*found);
     }
     options.libraryDirectories = parser.values(libraryDir);
-    for (const QString &directory : qAsConst(options.libraryDirectories)) {
+    options.toolDirectories =
+        parser.isSet(qtPluginDir) ? parser.values(qtPluginDir) : options.libraryDirectories;
+    for (const QString &directory : options.libraryDirectories + options.toolDirectories) {
         if (!QFileInfo(directory).isDir())
             return refused(QStringLiteral("%1 is no folder").arg(directory));
     }
@@ -147,8 +173,14 @@ ParsedOptions parseOptions(const QStringList &arguments)
         return refused(QStringLiteral("there is no format \"%1\"").arg(parser.value(format)));
     options.format = *named;
     options.probe = parser.isSet(probe);
-    if (options.probe && options.libraryDirectories.isEmpty())
-        return refused(QStringLiteral("--probe needs --library-dir"));
+    if (options.probe && options.toolDirectories.isEmpty())
+        return refused(QStringLiteral("--probe needs --library-dir or --qt-plugin-dir"));
+    const QString unlisted = options.probe ? unlistedDirectory(options.libraryDirectories) : QString();
+    if (!unlisted.isEmpty())
+        return refused(
+            QStringLiteral("--probe is not possible with the folder %1: in the list of folders that "
+                           "the loader takes, its name would be two")
+                .arg(unlisted));
     options.strict = parser.isSet(strict);
 
     bool isNumber = false;

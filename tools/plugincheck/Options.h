@@ -11,7 +11,10 @@ struct Options
 {
     QStringList configurations;
     QVector<Set> sets;
+    /// Where the host's loader looks.
     QStringList libraryDirectories;
+    /// Where the host's Qt looks for the tools of the desktop manager.
+    QStringList toolDirectories;
     Format format = Format::Text;
     bool probe = false;
     int jobs = 1;

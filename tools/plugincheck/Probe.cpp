@@ -10,6 +10,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 
+#include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <functional>
@@ -19,7 +21,11 @@
 #ifdef Q_OS_WIN
 #    include <io.h>
 #else
+#    include <sys/types.h>
 #    include <unistd.h>
+#endif
+#ifdef Q_OS_LINUX
+#    include <sys/prctl.h>
 #endif
 
 namespace PluginCheck {
@@ -35,19 +41,107 @@ bool errorsGoToTerminal()
 #endif
 }
 
+volatile std::sig_atomic_t interruptedBy = 0;
+
+extern "C" void interrupt(int signal)
+{
+    interruptedBy = signal;
+}
+
+/// Has the signals that end the program wait until what it has started is ended, too.
+class Interruptions
+{
+public:
+    Interruptions();
+    ~Interruptions();
+    Q_DISABLE_COPY(Interruptions)
+
+private:
+#ifdef Q_OS_WIN
+    static constexpr std::array endingSignals{SIGINT, SIGTERM};
+#else
+    static constexpr std::array endingSignals{SIGHUP, SIGINT, SIGTERM};
+#endif
+    std::array<void (*)(int), endingSignals.size()> m_before{};
+};
+
+Interruptions::Interruptions()
+{
+    for (std::size_t i = 0; i < endingSignals.size(); ++i) {
+        m_before[i] = std::signal(endingSignals[i], interrupt);
+        if (m_before[i] == SIG_IGN)
+            std::signal(endingSignals[i], SIG_IGN);
+    }
+}
+
+Interruptions::~Interruptions()
+{
+    for (std::size_t i = 0; i < endingSignals.size(); ++i)
+        std::signal(endingSignals[i], m_before[i]);
+    if (interruptedBy != 0)
+        std::raise(interruptedBy);
+}
+
+/// A process that loads a library, together with those that the library starts: none outlives this program.
+class LoadingProcess : public QProcess
+{
+public:
+    void load(const QStringList &arguments);
+    void endAll();
+
+protected:
+    void setupChildProcess() override;
+
+private:
+    const qint64 m_parent = QCoreApplication::applicationPid();
+    qint64 m_group = 0;
+};
+
+void LoadingProcess::load(const QStringList &arguments)
+{
+    start(QCoreApplication::applicationFilePath(), arguments);
+    m_group = processId();
+}
+
+/// Also after the process itself has ended.
+void LoadingProcess::endAll()
+{
+    kill();
+#ifdef Q_OS_UNIX
+    if (m_group > 0)
+        ::kill(pid_t(-m_group), SIGKILL);
+#endif
+}
+
+/// Runs in the new process.
+void LoadingProcess::setupChildProcess()
+{
+#ifdef Q_OS_UNIX
+    setpgid(0, 0);
+#endif
+#ifdef Q_OS_LINUX
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != m_parent)
+        _exit(1); // The other one had ended before.
+#endif
+}
+
 /// One library to be loaded.
 struct Job
 {
     const Configuration *configuration;
     PluginReport *plugin;
     QString resultFile;
+    /// What there is to say of it, in the order of jobs, whichever ends first.
+    QVector<Finding> findings = {};
+    QString leftOut = {};
 };
 
 /// A process that loads a library, and what it has said so far.
 struct Running
 {
-    Job job;
-    std::unique_ptr<QProcess> process;
+    Job *job;
+    std::unique_ptr<LoadingProcess> process;
     QByteArray output;
     bool isOverdue = false;
 };
@@ -64,16 +158,17 @@ public:
     {
     }
 
-    void run(const QVector<Job> &jobs);
+    void run(QVector<Job> jobs);
 
 private:
     void startNext();
-    void start(const Job &job);
+    void endIfInterrupted();
+    void start(Job &job);
     void finish(const std::shared_ptr<Running> &running);
     void takeOutput(Running &running) const;
     void conclude(const Running &running);
-    void add(Code code, const Job &job, const QString &message, const QString &consequence,
-             const QString &advice);
+    static void add(Code code, Job &job, const QString &message, const QString &consequence,
+                    const QString &advice);
     void showProgress(const QString &name) const;
     QProcessEnvironment environment() const;
 
@@ -83,30 +178,49 @@ private:
     const bool m_showsProgress;
     QVector<Job> m_jobs;
     int m_next = 0;
-    int m_running = 0;
+    QVector<std::shared_ptr<Running>> m_running;
     QEventLoop m_loop;
 };
 
-void Runner::run(const QVector<Job> &jobs)
+void Runner::run(QVector<Job> jobs)
 {
-    m_jobs = jobs;
+    constexpr int lookInMilliseconds = 50;
+    m_jobs = std::move(jobs);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [this] { endIfInterrupted(); });
+    timer.start(lookInMilliseconds);
     for (int i = 0; i < m_options.jobs; ++i)
         startNext();
-    if (m_running > 0)
+    if (!m_running.isEmpty())
         m_loop.exec();
     if (m_showsProgress)
         std::fputs("\r\x1b[K", stderr);
+    for (const Job &job : qAsConst(m_jobs)) {
+        if (!job.leftOut.isEmpty())
+            m_report.leaveOut(job.leftOut);
+        for (const Finding &finding : job.findings)
+            m_report.add(finding);
+    }
 }
 
 void Runner::startNext()
 {
     if (m_next < m_jobs.size())
-        start(m_jobs.at(m_next++));
-    else if (m_running == 0)
+        start(m_jobs[m_next++]);
+    else if (m_running.isEmpty())
         m_loop.quit();
 }
 
-/// The folders of the call stand for those where the host's loader looks.
+void Runner::endIfInterrupted()
+{
+    if (interruptedBy == 0)
+        return;
+    m_next = int(m_jobs.size());
+    for (const std::shared_ptr<Running> &running : qAsConst(m_running))
+        running->process->endAll();
+}
+
+/// The folders of libraries stand for those where the host's loader looks.
 QProcessEnvironment Runner::environment() const
 {
     QStringList directories;
@@ -121,7 +235,8 @@ QProcessEnvironment Runner::environment() const
     const QString before = result.value(variable);
     if (!before.isEmpty())
         directories.append(before);
-    result.insert(variable, directories.join(QDir::listSeparator()));
+    if (!directories.isEmpty())
+        result.insert(variable, directories.join(QDir::listSeparator()));
     result.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     // Qt says so when there is none, which is nothing that a library has written.
     if (!result.contains(QStringLiteral("XDG_RUNTIME_DIR")))
@@ -129,20 +244,20 @@ QProcessEnvironment Runner::environment() const
     return result;
 }
 
-void Runner::start(const Job &job)
+void Runner::start(Job &job)
 {
     showProgress(job.plugin->name);
     const auto running = std::make_shared<Running>();
-    running->job = job;
-    running->process = std::make_unique<QProcess>();
-    QProcess *const process = running->process.get();
+    running->job = &job;
+    running->process = std::make_unique<LoadingProcess>();
+    LoadingProcess *const process = running->process.get();
     process->setProcessChannelMode(QProcess::MergedChannels);
     process->setProcessEnvironment(environment());
     process->setStandardInputFile(QProcess::nullDevice());
 
     QStringList arguments{QString::fromLatin1(probeOption), nameOf(job.configuration->set),
                           job.plugin->name + QLatin1String(".dll"), job.resultFile};
-    for (const QString &directory : m_options.libraryDirectories)
+    for (const QString &directory : m_options.toolDirectories)
         arguments.append(QDir(directory).absolutePath());
 
     QObject::connect(process, &QProcess::readyRead, process, [this, running] { takeOutput(*running); });
@@ -155,10 +270,10 @@ void Runner::start(const Job &job)
                      });
     QTimer::singleShot(m_options.timeoutInSeconds * 1000, process, [running] {
         running->isOverdue = true;
-        running->process->kill();
+        running->process->endAll();
     });
-    ++m_running;
-    process->start(QCoreApplication::applicationFilePath(), arguments);
+    m_running.append(running);
+    process->load(arguments);
 }
 
 void Runner::takeOutput(Running &running) const
@@ -172,9 +287,10 @@ void Runner::finish(const std::shared_ptr<Running> &running)
 {
     takeOutput(*running);
     conclude(*running);
+    running->process->endAll();
     // Its signals are being delivered just now, so it goes a little later.
     running->process.release()->deleteLater();
-    --m_running;
+    m_running.removeOne(running);
     startNext();
 }
 
@@ -189,6 +305,7 @@ QString signalText(int number)
 
 void Runner::conclude(const Running &running)
 {
+    Job &job = *running.job;
     const QString ends = QStringLiteral("The host would end, too.");
     const QString isRefused =
         QStringLiteral("The manager logs this reason, shows a message box, and goes on.");
@@ -196,7 +313,7 @@ void Runner::conclude(const Running &running)
         QStringLiteral("Look at what the library does when it is loaded: constructors of static "
                        "objects, and of the root object.");
     ProbeReport result{QStringLiteral("loaded"), {}, QString::fromLocal8Bit(running.output).trimmed()};
-    QFile file(running.job.resultFile);
+    QFile file(job.resultFile);
     const QStringList lines = file.open(QIODevice::ReadOnly)
                                   ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
                                   : QStringList();
@@ -204,30 +321,31 @@ void Runner::conclude(const Running &running)
     result.detail = last.section(' ', 1);
     const QProcess &process = *running.process;
     if (process.error() == QProcess::FailedToStart) {
-        m_report.leaveOut(
-            QStringLiteral("%1 was not probed: %2").arg(running.job.plugin->name, process.errorString()));
+        job.leftOut = QStringLiteral("%1 was not probed: %2").arg(job.plugin->name, process.errorString());
         return;
     }
     if (running.isOverdue) {
         result.result = QStringLiteral("hung");
-        result.detail = QStringLiteral("no end after %1 seconds").arg(m_options.timeoutInSeconds);
-        add(Code::ProbeHung, running.job,
-            QStringLiteral("Loading had not ended after %1 seconds.").arg(m_options.timeoutInSeconds),
+        const QString time = m_options.timeoutInSeconds == 1
+                                 ? QStringLiteral("1 second")
+                                 : QStringLiteral("%1 seconds").arg(m_options.timeoutInSeconds);
+        result.detail = QStringLiteral("no end after %1").arg(time);
+        add(Code::ProbeHung, job, QStringLiteral("Loading had not ended after %1.").arg(time),
             QStringLiteral("The host would hang."), debug);
     } else if (last.startsWith(QLatin1String("threw"))) {
         result.result = QStringLiteral("threw");
-        add(Code::ProbeThrew, running.job, QStringLiteral("It threw %1.").arg(result.detail), ends, debug);
+        add(Code::ProbeThrew, job, QStringLiteral("It threw %1.").arg(result.detail), ends, debug);
     } else if (process.exitStatus() == QProcess::CrashExit) {
         result.result = QStringLiteral("crashed");
         result.detail = signalText(process.exitCode());
-        add(Code::ProbeCrashed, running.job,
+        add(Code::ProbeCrashed, job,
             QStringLiteral("The process that loaded it crashed: %1.").arg(result.detail), ends, debug);
     } else if (last.startsWith(QLatin1String("failed"))) {
         result.result = QStringLiteral("failed");
-        add(Code::ProbeFailed, running.job, result.detail, isRefused,
+        add(Code::ProbeFailed, job, result.detail, isRefused,
             QStringLiteral("See docs/troubleshooting.md for what this reason means."));
     } else if (last.startsWith(QLatin1String("lacks"))) {
-        add(Code::ProbeInterface, running.job,
+        add(Code::ProbeInterface, job,
             QStringLiteral("Its root object does not implement %1.").arg(result.detail),
             last.contains(QLatin1String("PluginInterface"))
                 ? QStringLiteral("The manager drops the plug-in, and logs nothing.")
@@ -237,24 +355,24 @@ void Runner::conclude(const Running &running)
     } else if (last != QLatin1String("done")) {
         result.result = QStringLiteral("exited");
         result.detail = QStringLiteral("status %1").arg(process.exitCode());
-        add(Code::ProbeExited, running.job,
+        add(Code::ProbeExited, job,
             QStringLiteral("The process that loaded it ended with status %1.").arg(process.exitCode()), ends,
             debug);
     }
-    running.job.plugin->probe = result;
+    job.plugin->probe = result;
 }
 
-void Runner::add(Code code, const Job &job, const QString &message, const QString &consequence,
+void Runner::add(Code code, Job &job, const QString &message, const QString &consequence,
                  const QString &advice)
 {
-    m_report.add({code,
-                  job.configuration->file,
-                  job.plugin->name,
-                  job.plugin->library,
-                  {},
-                  message,
-                  consequence,
-                  advice});
+    job.findings.append({code,
+                         job.configuration->file,
+                         job.plugin->name,
+                         job.plugin->library,
+                         {},
+                         message,
+                         consequence,
+                         advice});
 }
 
 void Runner::showProgress(const QString &name) const
@@ -267,6 +385,7 @@ void Runner::showProgress(const QString &name) const
 
 void probeLibraries(const QVector<Configuration> &configurations, const Options &options, Report &report)
 {
+    const Interruptions interruptions;
     const QTemporaryDir directory;
     QVector<Job> jobs;
     for (int i = 0; i < configurations.size(); ++i) {

@@ -1,6 +1,7 @@
 #include "Probe.h"
 
 #include "desktopTools_p.h"
+#include "libraryFile_p.h"
 
 #include <FileProcess.h>
 #include <MenuBar.h>
@@ -24,11 +25,13 @@
 #include <exception>
 
 #ifdef Q_OS_UNIX
+#    include <dlfcn.h>
 #    include <sys/resource.h>
 #endif
 
-// What runs in the process that loads one library. What it says goes line by line into a file, since the
-// library may write to the standard channels, and may end the process at any time.
+// What runs in the process that loads one library. It does what pluginMangerBase.cpp does. What it says goes
+// line by line into a file, since the library may write to the standard channels, and may end the process at
+// any time.
 
 namespace PluginCheck {
 
@@ -88,22 +91,28 @@ bool implementsAll(const QString &library, QObject *root)
            && implementsToolOf(Tools::menuBar, library, root);
 }
 
+using PluginMangerInternal::loadFault;
+
 void loadLibrary(const QString &path)
 {
     QLibrary library(path);
     library.setLoadHints(library.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    say(library.load() ? QStringLiteral("done") : QStringLiteral("failed ") + library.errorString());
+    const QString fault = library.isLoaded() ? QString() : loadFault(library.fileName());
+    if (fault.isEmpty() && library.load())
+        say(QStringLiteral("done"));
+    else
+        say(QStringLiteral("failed ") + (fault.isEmpty() ? library.errorString() : fault));
 }
 
 void loadTool(const QString &path)
 {
     QPluginLoader loader(path);
     loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    if (!loader.load()) {
-        say(QStringLiteral("failed ") + loader.errorString());
-        return;
-    }
-    if (implementsAll(path, loader.instance()))
+    const QString fault =
+        loader.metaData().isEmpty() || loader.isLoaded() ? QString() : loadFault(loader.fileName());
+    if (!fault.isEmpty() || !loader.load())
+        say(QStringLiteral("failed ") + (fault.isEmpty() ? loader.errorString() : fault));
+    else if (implementsAll(path, loader.instance()))
         say(QStringLiteral("done"));
 }
 
@@ -120,9 +129,13 @@ int runProbe(int argc, char **argv)
     setrlimit(RLIMIT_CORE, &none);
 #endif
     std::set_terminate(sayThrown);
+#ifdef Q_OS_UNIX
+    // Each host has it loaded, and plug-ins may leave functions to it. It need not be found here.
+    if (loadFault(QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)).isEmpty())
+        dlopen(PLUGINCHECK_MANAGER_LIBRARY, RTLD_NOW | RTLD_GLOBAL);
+#endif
     resultFile = arguments.at(2);
-    for (const QString &directory : arguments.mid(3))
-        QCoreApplication::addLibraryPath(directory);
+    QCoreApplication::setLibraryPaths(arguments.mid(3) + QCoreApplication::libraryPaths());
     try {
         if (setNamed(arguments.at(0)) == Set::Desktop)
             loadTool(arguments.at(1));

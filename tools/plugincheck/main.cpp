@@ -37,10 +37,11 @@ Report check(const Options &options)
             configurations.append(std::move(*configuration));
     }
     checkConfigurations(configurations, report);
-    if (options.libraryDirectories.isEmpty()) {
+    if (options.toolDirectories.isEmpty()) {
         report.leaveOut(QStringLiteral("Libraries were not looked at: no --library-dir is given."));
     } else {
-        checkLibraries(configurations, LibrarySearch(options.libraryDirectories), report);
+        checkLibraries(configurations, LibrarySearch(options.libraryDirectories, options.toolDirectories),
+                       report);
         if (options.probe)
             probeLibraries(configurations, options, report);
     }
