@@ -98,7 +98,8 @@ int distance(const QString &left, const QString &right, int limit)
     return std::min(rows[left.size() % 3][std::size_t(columns)], limit + 1);
 }
 
-/// One bit for each letter and digit, some of which share theirs. A difference of two texts changes at most two bits.
+/// One bit for each letter and digit, some of which share theirs. A difference of two texts changes at most
+/// two bits.
 quint64 kindsOf(const QString &letters)
 {
     quint64 kinds = 0;

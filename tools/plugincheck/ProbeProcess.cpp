@@ -91,13 +91,14 @@ bool implementsAll(const QString &library, QObject *root)
            && implementsToolOf(Tools::menuBar, library, root);
 }
 
-using PluginMangerInternal::loadFault;
+using PluginMangerInternal::libraryLoadFault;
+using PluginMangerInternal::pluginLoadFault;
 
 void loadLibrary(const QString &path)
 {
     QLibrary library(path);
     library.setLoadHints(library.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    const QString fault = library.isLoaded() ? QString() : loadFault(library.fileName());
+    const QString fault = library.isLoaded() ? QString() : libraryLoadFault(path);
     if (fault.isEmpty() && library.load())
         say(QStringLiteral("done"));
     else
@@ -109,7 +110,7 @@ void loadTool(const QString &path)
     QPluginLoader loader(path);
     loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
     const QString fault =
-        loader.metaData().isEmpty() || loader.isLoaded() ? QString() : loadFault(loader.fileName());
+        loader.metaData().isEmpty() || loader.isLoaded() ? QString() : pluginLoadFault(loader.fileName());
     if (!fault.isEmpty() || !loader.load())
         say(QStringLiteral("failed ") + (fault.isEmpty() ? loader.errorString() : fault));
     else if (implementsAll(path, loader.instance()))
@@ -131,7 +132,7 @@ int runProbe(int argc, char **argv)
     std::set_terminate(sayThrown);
 #ifdef Q_OS_UNIX
     // Each host has it loaded, and plug-ins may leave functions to it. It need not be found here.
-    if (loadFault(QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)).isEmpty())
+    if (pluginLoadFault(QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)).isEmpty())
         dlopen(PLUGINCHECK_MANAGER_LIBRARY, RTLD_NOW | RTLD_GLOBAL);
 #endif
     resultFile = arguments.at(2);
