@@ -88,6 +88,11 @@ private slots:
 
 void tst_Operations4CAM::everyOperationDoesWhatTheModelSays()
 {
+#ifdef Q_OS_WIN
+    if (!qEnvironmentVariableIsSet("PLUGINMANGER_MODEL_SEQUENCES"))
+        QSKIP("Wine now and then waits for good in GetFileInformationByHandle() when files are opened this "
+              "often; set PLUGINMANGER_MODEL_SEQUENCES to run it");
+#endif
     CamWalk walk(LogLines::take);
     const QByteArray replayed = QByteArray::fromHex(qgetenv("PLUGINMANGER_MODEL_REPLAY"));
     if (!replayed.isEmpty()) {
