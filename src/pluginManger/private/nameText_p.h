@@ -17,8 +17,7 @@ public:
     explicit NameText(const QString &text)
         : m_text(text)
         , m_bytes(text.toStdString())
-        , m_isExact(m_bytes.find("\xEF\xBF\xBD") == std::string::npos
-                    && QString::fromStdString(m_bytes) == m_text)
+        , m_isExact(text.isValidUtf16() && m_bytes.find("\xEF\xBF\xBD") == std::string::npos)
     {
     }
 
