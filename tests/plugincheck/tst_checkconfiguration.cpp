@@ -9,6 +9,9 @@
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QVector>
+
+#include <algorithm>
 
 using namespace PluginCheck;
 
@@ -587,7 +590,7 @@ void tst_CheckConfiguration::agreesWithTheManagersCheck()
 void tst_CheckConfiguration::findsNamesByTheirDistance()
 {
     const auto distance = [](const QString &left, const QString &right) {
-        std::vector<std::vector<int>> table(left.size() + 1, std::vector<int>(right.size() + 1));
+        QVector<QVector<int>> table(left.size() + 1, QVector<int>(right.size() + 1));
         for (int row = 0; row <= left.size(); ++row) {
             for (int column = 0; column <= right.size(); ++column) {
                 int &cost = table[row][column];
