@@ -74,10 +74,12 @@ std::optional<std::string_view> LineReader::next()
         }
         if (pending.size() <= mostBytesOfLine && readMore())
             continue;
-        if (pending.empty())
+        // Reading may have moved the bytes, also at the end.
+        const std::string_view last = view(m_bytes).substr(size_t(m_at));
+        if (last.empty())
             return {};
         m_at = m_bytes.size();
-        return withoutCarriageReturn(pending);
+        return withoutCarriageReturn(last);
     }
 }
 
