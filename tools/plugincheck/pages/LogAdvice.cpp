@@ -73,6 +73,9 @@ constexpr Reason reasons[] = {
     {"找不到指定的模块", "the file is not there, or a library that it needs is not",
      "Put it beside the program. If it is there, check the set with plugincheck, which names the library it "
      "needs."},
+    {"找不到模块", "the file is not there, or a library that it needs is not",
+     "Put it beside the program. If it is there, check the set with plugincheck, which names the library it "
+     "needs."},
     {"odule not found", "the file is not there, or a library that it needs is not",
      "Put it beside the program. If it is there, check the set with plugincheck, which names the library it "
      "needs."},
