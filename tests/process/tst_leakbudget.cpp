@@ -2,6 +2,7 @@
 #include "testfiles.h"
 #include "testmain.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QLibrary>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QPluginLoader>
@@ -55,6 +56,11 @@ std::size_t bytesInUse()
     return memory.uordblks + memory.hblkhd;
 }
 
+int openFiles()
+{
+    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
 /// Closes each box at once, and keeps quiet what the platform has to say of each.
 class BoxCloser : public QObject
 {
@@ -82,17 +88,22 @@ protected:
 
 }
 
-/// Bytes per time, after what is allocated once has been.
+/// Bytes per time, after what is allocated once has been. No file stays open.
 template <typename Action>
 double tst_LeakBudget::bytesKept(const Action &action, int times)
 {
     for (int time = 0; time < times / 10; ++time)
         action();
+    const int filesBefore = openFiles();
     const std::size_t before = bytesInUse();
     for (int time = 0; time < times; ++time)
         action();
     const double kept = (double(bytesInUse()) - double(before)) / times;
     qInfo("%.2f bytes kept each time", kept);
+    const int filesKept = openFiles() - filesBefore;
+    if (filesKept != 0)
+        QTest::qFail(qPrintable(QStringLiteral("%1 files are still open").arg(filesKept)), __FILE__,
+                     __LINE__);
     return kept;
 }
 

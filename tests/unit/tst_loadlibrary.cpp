@@ -15,6 +15,7 @@
 #ifdef Q_OS_WIN
 #    include <windows.h>
 #else
+#    include <dlfcn.h>
 #    include <sys/stat.h>
 #endif
 
@@ -91,6 +92,10 @@ private slots:
     void libraryWithAnotherOwnerIsListedAnew();
 #ifdef Q_OS_UNIX
     void libraryWithAnotherOwnerIsNotReadAgain();
+#endif
+#ifdef Q_OS_LINUX
+    void lookAtWhatTheLoaderHasKeepsNothingOfIt();
+    void nameWithTheSuffixIsNotGivenItAgain();
 #endif
     void nameWithoutLibrarySuffixIsRefused_data();
     void nameWithoutLibrarySuffixIsRefused();
@@ -339,6 +344,34 @@ void tst_LoadLibrary::libraryWithAnotherOwnerIsNotReadAgain()
     QCOMPARE(LogLines::take(), QList<Line>());
     listed->unload();
     otherOwner.unload();
+}
+#endif
+
+#ifdef Q_OS_LINUX
+void tst_LoadLibrary::lookAtWhatTheLoaderHasKeepsNothingOfIt()
+{
+    const QString path = m_directory.filePath("Held.dll");
+    TestFiles::replace(path, healthy);
+    void *const owner = dlopen(QFile::encodeName(path).constData(), RTLD_NOW);
+    QVERIFY(owner);
+    TestFiles::remove(path);
+    TestFiles::write(path, TestFiles::read(healthy).left(8192));
+    load(path);
+    QVERIFY(m_base.findLibrary(m_tables, path));
+
+    m_base.unloadAllLibraries(m_tables);
+    QCOMPARE(dlclose(owner), 0);
+    QVERIFY(!dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_NOLOAD));
+}
+
+void tst_LoadLibrary::nameWithTheSuffixIsNotGivenItAgain()
+{
+    const QString path = m_directory.filePath("Named.so");
+    TestFiles::write(m_directory.filePath("Named.so.so"), TestFiles::read(healthy).left(8192));
+    TestFiles::replace(m_directory.filePath("libNamed.so"), healthy);
+    load(path);
+    QVERIFY(m_base.findLibrary(m_tables, path));
+    QCOMPARE(LogLines::take(), QList<Line>());
 }
 #endif
 

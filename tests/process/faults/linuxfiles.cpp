@@ -37,13 +37,13 @@ QByteArray withNumber(QByteArray file, quint64 position, Number number)
     return file.replace(int(position), sizeof number, reinterpret_cast<const char *>(&number), sizeof number);
 }
 
-std::vector<quint64> mappedSegments(const QByteArray &file)
+std::vector<quint64> segments(const QByteArray &file, quint32 type = PT_LOAD)
 {
     std::vector<quint64> places;
     const auto first = numberAt<quint64>(file, offsetof(Elf64_Ehdr, e_phoff));
     for (quint64 segment = 0; segment < numberAt<quint16>(file, offsetof(Elf64_Ehdr, e_phnum)); ++segment) {
         const quint64 place = first + segment * sizeof(Elf64_Phdr);
-        if (numberAt<quint32>(file, place + offsetof(Elf64_Phdr, p_type)) == PT_LOAD)
+        if (numberAt<quint32>(file, place + offsetof(Elf64_Phdr, p_type)) == type)
             places.push_back(place);
     }
     return places;
@@ -53,7 +53,7 @@ std::vector<quint64> mappedSegments(const QByteArray &file)
 int mappedLength(const QByteArray &file)
 {
     quint64 length = 0;
-    for (const quint64 place : mappedSegments(file))
+    for (const quint64 place : segments(file))
         length = std::max(length, numberAt<quint64>(file, place + offsetof(Elf64_Phdr, p_offset))
                                       + numberAt<quint64>(file, place + offsetof(Elf64_Phdr, p_filesz)));
     return int(length);
@@ -61,7 +61,7 @@ int mappedLength(const QByteArray &file)
 
 QByteArray withLastSegment(const QByteArray &file, std::size_t field, quint64 number)
 {
-    return withNumber(file, mappedSegments(file).back() + field, number);
+    return withNumber(file, segments(file).back() + field, number);
 }
 
 /// The reason that is in the log, of a failed load of this path.
@@ -92,6 +92,10 @@ void cutPlain(Faults &f)
     }
     // The others are cut within the table of segments, which the loader itself sees.
     QVERIFY2(refused > mapped / 64 - 16, qPrintable(QString::number(refused)));
+
+    const QString path = f.make("Last_Byte.dll", whole.left(mapped - 1));
+    f.expectRefused(path, Faults::reasonOf(path, tooShort));
+    f.expectLoaded(f.make("Last_Byte.dll", whole.left(mapped)));
 }
 
 /// What Qt says of a plug-in that was cut off. It looks into the file for the description, by the tables of
@@ -242,6 +246,17 @@ void cutFileForAnotherMachineBeforeAWholeOne(Faults &f)
     TestFiles::remove(Faults::replaceable("later/Two_Places.dll"));
 }
 
+// A start that is too short for a header says nothing of a machine: the loader does not pass over it.
+void startOfAFileBeforeACutOne(Faults &f)
+{
+    const QString path = place("Two_Places.dll", forOtherMachine(Faults::healthyLibrary()).left(40));
+    place("later/Two_Places.dll", cutLibrary());
+    f.expectRefused("Two_Places.dll",
+                    QStringLiteral("Cannot load library Two_Places.dll: (%1: file too short)").arg(path));
+    TestFiles::remove(path);
+    TestFiles::remove(Faults::replaceable("later/Two_Places.dll"));
+}
+
 using Names = std::vector<QString>;
 
 /// Each of the names, which QLibrary asks for in that order, once stands for a file that was cut off, with
@@ -279,7 +294,9 @@ Rows namesRows()
         namesRow(
             "with \"lib\"",
             [](Faults &f) {
+                const QString twice = place("liblibNamed.dll", cutLibrary());
                 tryNames(f, "libNamed.dll", {"libNamed.dll.so", "libNamed.dll"}, Faults::replaceable({}));
+                TestFiles::remove(twice);
             }),
         namesRow("relative",
                  [=](Faults &f) {
@@ -323,7 +340,7 @@ void cutFileBehindATextOfAnotherName(Faults &f)
 /// Has one more segment, without content, in memory behind the others.
 QByteArray withEmptySegment(const QByteArray &file, quint64 offset)
 {
-    const quint64 last = mappedSegments(file).back();
+    const quint64 last = segments(file).back();
     constexpr quint64 page = 4096;
     const quint64 end = numberAt<quint64>(file, last + offsetof(Elf64_Phdr, p_vaddr))
                         + numberAt<quint64>(file, last + offsetof(Elf64_Phdr, p_memsz));
@@ -350,6 +367,15 @@ void emptySegmentBeyondTheFile(Faults &f)
     // The rest of the page that it begins in is cleared, and that page is of the file.
     const QString path = f.make("Empty.dll", withEmptySegment(whole, beyond + 64));
     f.expectRefused(path, Faults::reasonOf(path, tooShort));
+}
+
+// Of the stack's segment, the loader takes the flags alone.
+void unmappedSegmentBeyondTheFile(Faults &f)
+{
+    const QByteArray whole = Faults::healthyLibrary();
+    const quint64 stack = segments(whole, PT_GNU_STACK).front();
+    f.expectLoaded(f.make("Stack.dll", withNumber(whole, stack + offsetof(Elf64_Phdr, p_filesz),
+                                                  quint64(whole.size()) + 65536)));
 }
 
 void segmentBeyondAllFiles(Faults &f)
@@ -529,6 +555,8 @@ Rows systemRows()
          cutFileBehindOneForAnotherMachine},
         {"truncated for another machine, before a whole one", "the whole one loads",
          cutFileForAnotherMachineBeforeAWholeOne},
+        {"truncated, behind the start of one for another machine", "line, box, of the first",
+         startOfAFileBeforeACutOne},
         {"truncated, behind a text of another name", "line, box; an absolute path is the only one",
          cutFileBehindATextOfAnotherName},
         {"truncated, relative path", "line, box", cutFileBehindARelativePath},
@@ -546,6 +574,7 @@ Rows systemRows()
          cutQtPluginWhileTheLoaderHasIt},
         {"segment without content beyond the file", "loads, if it begins with a page",
          emptySegmentBeyondTheFile},
+        {"segment that is not mapped, beyond the file", "loads", unmappedSegmentBeyondTheFile},
         {"segment beyond 2^64", "line, box", segmentBeyondAllFiles},
         {"table of segments beyond 2^64", "line, box", tableBeyondAllFiles},
         {"wrong machine", "line, box", otherMachine},
