@@ -31,6 +31,8 @@ struct Row
     QByteArray leftOut = {};
     /// So much that a sanitizer takes minutes when it notes the whole stack each time.
     bool allocatesMuch = false;
+    /// Why valgrind cannot run it.
+    QByteArray notUnderValgrind = {};
 };
 
 using Rows = std::vector<Row>;
