@@ -3,17 +3,18 @@
 #ifdef __GLIBC__
 
 #    include <QtCore/QFile>
-#    include <QtCore/QFileInfo>
 #    include <QtCore/QLibrary>
 #    include <QtCore/QStringList>
 
 #    include <dlfcn.h>
 #    include <fcntl.h>
 #    include <link.h>
+#    include <poll.h>
 #    include <sys/stat.h>
 #    include <unistd.h>
 
 #    include <algorithm>
+#    include <climits>
 #    include <cstring>
 #    include <limits>
 #    include <memory>
@@ -44,10 +45,10 @@ quint64 endOf(quint64 offset, quint64 size)
 class File
 {
 public:
-    /// Waits for nobody, not even at a pipe.
+    /// Waits for nobody, not even at a pipe or a terminal.
     explicit File(QByteArray path)
         : m_path(std::move(path))
-        , m_descriptor(open(m_path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
+        , m_descriptor(open(m_path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
         , m_state()
         , m_header()
     {
@@ -63,7 +64,12 @@ public:
 
     const QByteArray &path() const { return m_path; }
     bool isOpen() const { return m_descriptor >= 0; }
-    bool isPipe() const { return S_ISFIFO(m_state.st_mode); }
+    /// Whether who reads it waits for somebody to write.
+    bool makesReadersWait() const
+    {
+        pollfd readable{m_descriptor, POLLIN, 0};
+        return S_ISFIFO(m_state.st_mode) || (S_ISCHR(m_state.st_mode) && poll(&readable, 1, 0) == 0);
+    }
     quint64 size() const { return quint64(m_state.st_size); }
     /// Zeros where there is none.
     const Header &header() const { return m_header; }
@@ -134,14 +140,11 @@ std::vector<QByteArray> searchDirectories()
     std::vector<Dl_serinfo> found(1 + size.dls_size / sizeof(Dl_serinfo), size);
     const bool isFound = isKnown && dlinfo(caller.get(), RTLD_DI_SERINFO, found.data()) == 0;
     std::vector<QByteArray> directories;
-    QStringList places;
     for (unsigned place = 0; isFound && place < size.dls_cnt; ++place) {
         const QByteArray directory = found.front().dls_serpath[place].dls_name;
-        places += QFileInfo(QFile::decodeName(directory)).canonicalFilePath();
-        // Many are there twice: the program's, and the system's by other names. A relative one may move.
-        if (directory.startsWith('/') && places.indexOf(places.last()) < places.size() - 1)
-            continue;
-        directories.push_back(directory);
+        // Many are there twice. Other names of the same place are kept: a link may be made to lead elsewhere.
+        if (std::find(directories.begin(), directories.end(), directory) == directories.end())
+            directories.push_back(directory);
     }
     return directories;
 }
@@ -156,13 +159,15 @@ std::unique_ptr<const File> fileOf(const QByteArray &name)
     static const std::vector<QByteArray> directories = searchDirectories();
     for (const QByteArray &directory : directories) {
         auto file = std::make_unique<File>(directory + '/' + name);
-        if (file->isOpen() && (!isElf(file->header()) || isForOwnMachine(file->header())))
+        const bool isPassedOver = isElf(file->header()) && !isForOwnMachine(file->header());
+        if (file->isOpen() && !isPassedOver)
             return file;
     }
     return nullptr;
 }
 
-/// What QLibrary asks the loader for when it is given this name, in that order, until something loads.
+/// What QLibrary asks the loader for when it is given this name, in that order, until something loads. The
+/// loader reads them up to a NUL.
 std::vector<QByteArray> namesFor(const QString &fileName)
 {
     const QString name = fileName.mid(fileName.lastIndexOf(QLatin1Char('/')) + 1);
@@ -183,7 +188,7 @@ std::vector<QByteArray> namesFor(const QString &fileName)
     std::vector<QByteArray> names;
     for (const QString &prefix : qAsConst(prefixes)) {
         for (const QString &suffix : qAsConst(suffixes))
-            names.push_back(QFile::encodeName(directory + prefix + name + suffix));
+            names.push_back(QFile::encodeName(directory + prefix + name + suffix).constData());
     }
     return names;
 }
@@ -194,26 +199,33 @@ bool isLoaded(const QByteArray &name)
     return Library(dlopen(name.constData(), RTLD_LAZY | RTLD_NOLOAD)) != nullptr;
 }
 
-QString fault(const QString &fileName, const File &file, const QString &what)
+QString fault(const QString &fileName, const QByteArray &path, const QString &what)
 {
     return QLibrary::tr("Cannot load library %1: %2")
-        .arg(fileName, QStringLiteral("(%1: %2)").arg(QFile::decodeName(file.path()), what));
+        .arg(fileName, QStringLiteral("(%1: %2)").arg(QFile::decodeName(path), what));
 }
 
 /// Why the first of these that the loader would map must not be.
 QString firstFault(const QString &fileName, const std::vector<QByteArray> &names)
 {
     for (const QByteArray &name : names) {
+        // The loader has the names that it searches for on its stack.
+        if (!name.contains('/') && name.size() > PATH_MAX)
+            return fault(fileName, name,
+                         QStringLiteral("cannot open shared object file: File name too long"));
         const std::unique_ptr<const File> file = fileOf(name);
-        if (!file || !file->isOpen())
-            continue;
-        if (file->isPipe())
-            return fault(fileName, *file, QStringLiteral("not a regular file"));
-        const quint64 length = lengthForSegments(*file);
-        if (file->size() < length)
-            return isLoaded(name) ? QString() : fault(fileName, *file, QStringLiteral("file too short"));
+        if (file && file->isOpen()) {
+            if (file->makesReadersWait())
+                return fault(fileName, file->path(), QStringLiteral("not a regular file"));
+            const quint64 length = lengthForSegments(*file);
+            if (file->size() < length)
+                return isLoaded(name) ? QString()
+                                      : fault(fileName, file->path(), QStringLiteral("file too short"));
+            if (length > 0)
+                break;
+        }
         // An absolute path that is there is the last, even where the loader refuses it.
-        if (length > 0 || name.startsWith('/'))
+        if (name.startsWith('/') && QFile::exists(QFile::decodeName(name)))
             break;
     }
     return {};

@@ -1,7 +1,9 @@
 #include "faults.h"
 
+#include "PluginInterface.h"
 #include "gbktexts.h"
 #include "keptloaders.h"
+#include "openbase.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -211,4 +213,21 @@ void Faults::expectOthersWork()
     manager()->recMegToPlugin(frame, message(view));
     QCOMPARE(deliveries(), Deliveries{to(receiver, message(view))});
     QCOMPARE(log(), Lines{info("Sender send to Graphic_View 7")});
+    expectOtherQtPluginsWork();
+}
+
+void Faults::expectOtherQtPluginsWork()
+{
+    const QString path = fixture("desktop/Other_Process.dll");
+    OpenBase base;
+    QTPluginsMangerPrivate tables;
+    base.loadQtPlugin(tables, path);
+    const std::unique_ptr<QPluginLoader> loader(tables.m_loaders.take(path));
+    QVERIFY(loader);
+    auto *const plugin = dynamic_cast<PluginInterface *>(loader->instance());
+    QVERIFY(plugin);
+    plugin->recMsgFromManager(message("Other_Process"));
+    QCOMPARE(deliveries().list.size(), 1);
+    QCOMPARE(log(), Lines());
+    loader->unload();
 }

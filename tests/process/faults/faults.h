@@ -118,6 +118,7 @@ public:
 protected:
     /// Another plug-in than those of the row is loaded, registered and gets a message.
     void expectOthersWork();
+    void expectOtherQtPluginsWork();
 
 protected slots:
     void init();

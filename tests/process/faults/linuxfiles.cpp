@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <dlfcn.h>
 #include <elf.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -254,6 +255,52 @@ void cutFileForAnotherMachineBeforeAWholeOne(Faults &f)
     TestFiles::remove(Faults::replaceable("later/Two_Places.dll"));
 }
 
+/// Where a link leads, which the loader has among its directories before the place that it led to first.
+void leadTo(const QString &place)
+{
+    const QString link = Faults::replaceable("current");
+    QVERIFY(QFile::remove(link));
+    QVERIFY(QFile::link(Faults::replaceable(place), link));
+}
+
+void cutFileWhereALinkLedToBefore(Faults &f)
+{
+    leadTo("first");
+    const QString path = place("first/Moved.dll", Faults::healthyLibrary());
+    f.expectLoaded("Moved.dll");
+    leadTo("second");
+    place("first/Moved_Too.dll", cutLibrary());
+    f.expectRefused("Moved_Too.dll", QStringLiteral("Cannot load library Moved_Too.dll: (%1: file too short)")
+                                         .arg(Faults::replaceable("first/Moved_Too.dll")));
+    TestFiles::remove(Faults::replaceable("first/Moved_Too.dll"));
+    TestFiles::remove(path);
+    leadTo("first");
+}
+
+void cutFileByANameWithANul(Faults &f)
+{
+    const QString path = place("Cut_By_Name.dll", cutLibrary());
+    const QString name = "Cut_By_Name.dll" + QString(QChar::Null) + "/rest.dll";
+    f.expectRefused(name, QStringLiteral("Cannot load library %1: (%2: file too short)").arg(name, path));
+    TestFiles::remove(path);
+}
+
+// On a stack that has less room than the name needs.
+void nameLongerThanAnyPath(Faults &f)
+{
+    const rlimit small{rlim_t(256) * 1024, RLIM_INFINITY};
+    QCOMPARE(setrlimit(RLIMIT_STACK, &small), 0);
+    const QString path = QString(400000, 'x') + ".dll";
+    f.loadPlain(path);
+    QVERIFY(!f.manager()->plugin(path));
+    QCOMPARE(f.boxes().size(), 1);
+    // The log leaves out what is beyond 30,000 bytes of a line.
+    const Faults::Lines lines = f.log();
+    QCOMPARE(lines.size(), 2);
+    QVERIFY(Faults::loadFailed(path, {}).text.startsWith(lines.first().text.left(29000)));
+    QCOMPARE(lines.last(), Faults::camLoaded());
+}
+
 // A start that is too short for a header says nothing of a machine: the loader does not pass over it.
 void startOfAFileBeforeACutOne(Faults &f)
 {
@@ -456,6 +503,35 @@ void pipeInPlaceOfAQtPlugin(Faults &f)
     f.expectRefusedPlugin(path, Faults::reasonOfQt(path));
 }
 
+void terminal(Faults &f)
+{
+    makeLink("/dev/ptmx", f.path("Terminal.dll"));
+    f.expectRefused(f.path("Terminal.dll"), Faults::reasonOf(f.path("Terminal.dll"), "not a regular file"));
+}
+
+void pipeInPlaceOfAConfiguration(Faults &f)
+{
+    const QString path = f.directory() + "/pluginconfig/pluginconfig4CAM.json";
+    TestFiles::remove(path);
+    QCOMPARE(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    Faults::reachTheEnd();
+    f.manager()->loadAllPlugins();
+}
+
+void messageSentOnWithoutEnd(Faults &f)
+{
+    f.load();
+    QWidget *const frame = f.graphicFrame("A | pcb");
+    f.element(f.tips, frame);
+    const PluginMetaData sent = f.message(f.tips);
+    Recorder::setOnDelivery([&](const Recorder::Delivery &) {
+        Recorder::takeDeliveries();
+        f.manager()->recMegToPlugin(frame, sent);
+    });
+    Faults::reachTheEnd();
+    f.manager()->recMegToPlugin(frame, sent);
+}
+
 void nullDevice(Faults &f)
 {
     makeLink("/dev/null", f.path("Null.dll"));
@@ -472,6 +548,8 @@ void unreadableFile(Faults &f)
         QCOMPARE(chmod(QFile::encodeName(directory).constData(), 0755), 0);
     f.expectLoaded(path);
     QCOMPARE(chmod(QFile::encodeName(path).constData(), 0), 0);
+    // No other name of it counts then.
+    QCOMPARE(chmod(QFile::encodeName(f.make("Unreadable.dll.so", cutLibrary())).constData(), 0644), 0);
 
     const uid_t self = geteuid();
     constexpr uid_t nobody = 65534;
@@ -571,6 +649,8 @@ Rows systemRows()
          cutFileForAnotherMachineBeforeAWholeOne},
         {"truncated, behind the start of one for another machine", "line, box, of the first",
          startOfAFileBeforeACutOne},
+        {"truncated, where a link led to before", "line, box", cutFileWhereALinkLedToBefore},
+        {"truncated, its name followed by a NUL", "line, box", cutFileByANameWithANul},
         {"truncated, behind a text of another name", "line, box; an absolute path is the only one",
          cutFileBehindATextOfAnotherName},
         {"truncated, relative path", "line, box", cutFileBehindARelativePath},
@@ -597,10 +677,17 @@ Rows systemRows()
         {"link loop", "line, box", linkLoop},
         {"FIFO", "line, box; nobody waits for a writer", pipeInPlaceOfALibrary},
         {"FIFO in place of a Qt plug-in", "line, box", pipeInPlaceOfAQtPlugin},
+        {"terminal", "line, box; nobody waits for keys", terminal},
         {"/dev/null", "line, box", nullDevice},
+        {"name longer than any path", "line, box", nameLongerThanAnyPath},
         {"unreadable", "line, box", unreadableFile},
         {"truncated needed library", "the system's loader maps it", cutNeededLibrary, busError},
         {"truncated in place while loaded", "its code is gone at the next message", cutWhileLoaded, busError},
+        {"message that is sent on without end",
+         "the stack is full",
+         messageSentOnWithoutEnd,
+         {Ending::Signal, SIGSEGV}},
+        {"configuration: FIFO", "the load waits for a writer", pipeInPlaceOfAConfiguration, {Ending::Hang}},
     };
     const Rows names = namesRows();
     rows.insert(rows.end(), names.begin(), names.end());

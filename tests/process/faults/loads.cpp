@@ -249,6 +249,17 @@ void endInAConstructor(Faults &f, std::function<void()> end)
     f.loadPlain(acting);
 }
 
+void toolOfAnotherKind(Faults &f)
+{
+    f.make("File_Process.dll", Faults::healthyPlugin());
+    QCoreApplication::setLibraryPaths({f.path("")});
+    f.expectLoadedPlugin("File_Process.dll");
+    Faults::reachTheEnd();
+    // QtTest would take the line for a fault of this row.
+    qInstallMessageHandler(nullptr);
+    f.desktop()->initAllPlugins();
+}
+
 void constructorAborts(Faults &f)
 {
     endInAConstructor(f, [] { std::abort(); });
@@ -309,6 +320,10 @@ Rows loadRows()
         {"constructor that aborts",
          "the process is the plug-in's, too",
          constructorAborts,
+         {Ending::Signal, SIGABRT}},
+        {"desktop tool that is none of its name",
+         "nothing sensible can follow; what is missing is said",
+         toolOfAnotherKind,
          {Ending::Signal, SIGABRT}},
         {"constructor that exits", "the process is the plug-in's, too", constructorExits, {Ending::Exit, 7}},
         {"constructor that crashes",
