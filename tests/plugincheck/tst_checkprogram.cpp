@@ -81,9 +81,11 @@ void tst_CheckProgram::exitStatusTellsWhatHappened_data()
 #endif
     QTest::newRow("no folder of tools")
         << QStringList{example, "--qt-plugin-dir", "/absent"} << 2 << QByteArray("/absent is no folder");
+#ifdef HAS_EXAMPLES
     QTest::newRow("tools not where Qt looks")
         << QStringList{example, "--library-dir", EXAMPLE_PLUGIN_DIR, "--qt-plugin-dir", EXAMPLE_DIR} << 1
         << QByteArray();
+#endif
     QTest::newRow("no jobs") << QStringList{example, "--jobs", "0"} << 2
                              << QByteArray("--jobs takes a number");
     QTest::newRow("no folder") << QStringList{example, "--library-dir", "/absent"} << 2
