@@ -62,6 +62,8 @@ private slots:
     void findsFault();
     void acceptsTwin_data();
     void acceptsTwin();
+    void nameIsJudgedByWhatTheLibrariesAreFor_data();
+    void nameIsJudgedByWhatTheLibrariesAreFor();
     void tellsWhatTheManagerDoes_data();
     void tellsWhatTheManagerDoes();
     void syntaxErrorShowsItsLine();
@@ -132,7 +134,6 @@ void tst_CheckConfiguration::findsFault_data()
         {"dependency-missing 2:53 Matrix"});
     cam("dependency that is no object", R"({"name": "Matrix", "version": "1", "dependencies": [1]})",
         {"dependency-missing 2:53 Matrix"});
-    cam("name with a drive", R"({"name": "C:Matrix", "version": "1"})", {"name-path 2:10 C:Matrix"});
     cam("name of a folder", R"({"name": "..", "version": "1"})", {"name-path 2:10 .."});
     cam("name like that of a desktop tool", R"({"name": "Toolbar_Select", "version": "1"})",
         {"name-near-miss 2:10 Toolbar_Select"});
@@ -150,12 +151,16 @@ void tst_CheckConfiguration::findsFault_data()
     cam("entry is no object", "7", {"name-empty 2:1"});
     cam("name with suffix", R"({"name": "Matrix.dll", "version": "1"})", {"name-suffix 2:10 Matrix.dll"});
     cam("name with folder", R"({"name": "a/Matrix", "version": "1"})", {"name-path 2:10 a/Matrix"});
-    cam("name with a folder of Windows", R"({"name": "a\\Matrix", "version": "1"})",
-        {"name-path 2:10 a\\Matrix"});
     QTest::newRow("name with NUL") << list(R"({"name": "Matrix\u0000", "version": "1"})") << Set::Cam
                                    << QStringList{QStringLiteral("name-control 2:10 Matrix") + QChar(0)};
     cam("name with a blank at its end", R"({"name": "Matrix ", "version": "1"})",
-        {"name-control 2:10 Matrix"});
+        {"name-unusual 2:10 Matrix"});
+    cam("name with a character that joins others", R"({"name": "X\u200dY", "version": "1"})",
+        {QString::fromUtf8("name-unusual 2:10 X\xe2\x80\x8dY")});
+    cam("name with a character of one font", R"({"name": "P\ue123", "version": "1"})",
+        {QString::fromUtf8("name-unusual 2:10 P\xee\x84\xa3")});
+    cam("name with a character of the Tag block", R"({"name": "T\udb40\udc41", "version": "1"})",
+        {QString::fromUtf8("name-unusual 2:10 T\xf3\xa0\x81\x81")});
     cam("name with other capitals", R"({"name": "MATRIX", "version": "1"})", {"name-near-miss 2:10 MATRIX"});
     cam("name with letters swapped", R"({"name": "Graphic_Veiw", "version": "1"})",
         {"name-near-miss 2:10 Graphic_Veiw"});
@@ -230,6 +235,7 @@ void tst_CheckConfiguration::acceptsTwin_data()
         << QByteArray(R"({"comment": {"pluginList": 1}, "pluginList": [{"name": "Matrix", "version": "1"}]})")
         << Set::Cam;
     cam("name that nothing asks for, and like none", R"({"name": "Own_Things", "version": "1"})");
+    cam("name of rare Chinese letters", R"({"name": "\ud840\udc0b\u4e2d \u6587", "version": "1"})");
     cam("name like another that is listed, too",
         R"({"name": "Graphic_View", "version": "1"}, {"name": "Graphic_View2", "version": "1"})");
     QTest::newRow("desktop tool") << list(R"({"name": "ToolBar_Select", "version": "1"})") << Set::Desktop;
@@ -251,6 +257,37 @@ void tst_CheckConfiguration::acceptsTwin()
     const Report report = check(json, set);
     QCOMPARE(found(report), QStringList());
     QCOMPARE(exitStatus(report, true), 0);
+}
+
+void tst_CheckConfiguration::nameIsJudgedByWhatTheLibrariesAreFor_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("onLinux");
+    QTest::addColumn<QString>("onWindows");
+    const auto row = [](const char *name, const char *onLinux, const char *onWindows) {
+        QTest::newRow(name) << QString(name) << QString(onLinux) << QString(onWindows);
+    };
+    row("C:Own", "name-unusual", "name-path");
+    row("own\\Own", "name-unusual", "name-path");
+    row("own/Own", "name-path", "name-path");
+    row("..", "name-path", "name-path");
+    row(" Own", "name-unusual", "name-unusual");
+    row("Own\t", "name-control", "name-control");
+    row("Own Things", "", "");
+}
+
+void tst_CheckConfiguration::nameIsJudgedByWhatTheLibrariesAreFor()
+{
+    QFETCH(QString, name);
+    const QByteArray json = TestFiles::configOf({name});
+    const auto codeFor = [&](LibraryFile::Format format) {
+        Report report;
+        checkConfigurations({*parseConfiguration("set.json", Set::Cam, json, report)}, report, format);
+        const QVector<Finding> findings = report.findings();
+        return findings.isEmpty() ? QString() : QString(checkOf(findings.first().code).name);
+    };
+    QTEST(codeFor(LibraryFile::Format::Elf), "onLinux");
+    QTEST(codeFor(LibraryFile::Format::Pe), "onWindows");
 }
 
 void tst_CheckConfiguration::tellsWhatTheManagerDoes_data()

@@ -50,6 +50,8 @@ private slots:
     void jsonReportKeepsItsSchema();
     void textReportShowsPlaceAndAdvice();
     void outputSteersNoTerminal();
+    void namesThatLoadAreNoErrors();
+    void nameWithADriveIsAnErrorBesideLibrariesOfWindows();
 };
 
 void tst_CheckProgram::exitStatusTellsWhatHappened_data()
@@ -257,6 +259,46 @@ void tst_CheckProgram::outputSteersNoTerminal()
         for (const QChar character : QString::fromUtf8(output))
             QVERIFY2((character.isPrint() && character != QChar(0x202e)) || character == '\n', output);
     }
+}
+
+void tst_CheckProgram::namesThatLoadAreNoErrors()
+{
+    QTemporaryDir directory;
+    const QStringList names{
+        "T ",  " L",     QString::fromUtf8("X\xe2\x80\x8dY"), QString::fromUtf8("P\xee\x84\xa3"),
+        "a:b", "back\\s"};
+    for (const QString &name : names)
+        QVERIFY(QFile::copy(CHECKED_DIR "/good/Graphic_View.dll", directory.filePath(name + ".dll")));
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, TestFiles::configOf(names));
+    const Result result =
+        run({configuration, "--library-dir", directory.path(), "--probe", "--format", "json"});
+    QCOMPARE(result.exitCode, 0);
+    const QJsonDocument report = QJsonDocument::fromJson(result.output);
+    QStringList warned;
+    for (const QJsonValue &finding : report["findings"].toArray()) {
+        QCOMPARE(finding["code"].toString(), QString("name-unusual"));
+        warned.append(finding["plugin"].toString());
+    }
+    QCOMPARE(warned, names);
+    for (const QJsonValue &plugin : report["configurations"][0]["plugins"].toArray())
+        QCOMPARE(plugin["probe"]["result"].toString(), QString("loaded"));
+}
+
+void tst_CheckProgram::nameWithADriveIsAnErrorBesideLibrariesOfWindows()
+{
+#ifdef HAS_PE_FIXTURES
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, TestFiles::configOf({"C:Own", "Graphic_View"}));
+    const auto isError = [&](const QString &folder) {
+        return run({configuration, "--library-dir", folder}).output.contains("[name-path]");
+    };
+    QVERIFY(isError(CHECKED_DIR "/pe"));
+    QVERIFY(!isError(CHECKED_DIR "/good"));
+#else
+    QSKIP("There is no compiler for libraries of Windows.");
+#endif
 }
 
 int main(int argc, char **argv)

@@ -48,13 +48,19 @@ constexpr std::array checks{
         "The manager appends \".dll\" to each name. The name \"X.dll\" stands for a file \"X.dll.dll\". An "
         "entry of that name has another effect, too: its dependencies are those that the manager checks for "
         "the plug-in \"X\"."},
-    Check{Code::NamePath, "name-path", error, "A name has a folder or a drive in it",
-          "Libraries are listed under the name by which they were loaded. Operations ask for a file name "
-          "without a folder, so they do not find this one."},
-    Check{Code::NameControl, "name-control", error, "A name has characters that no file name has",
-          "A NUL ends a file name for the system's loader, and control characters, like a blank at an end, "
-          "come "
-          "from editing. The library is not found."},
+    Check{
+        Code::NamePath, "name-path", error, "A name has a folder or a drive in it",
+        "Libraries are listed under the name by which they were loaded. Operations ask for a file name "
+        "without a folder, so they do not find this one; only Ov_Register_Common can be given such a name."},
+    Check{Code::NameControl, "name-control", error, "A name has a control character in it",
+          "A NUL ends a file name for the system's loader. Windows allows none of these characters in a file "
+          "name, and elsewhere they come from editing."},
+    Check{Code::NameUnusual, "name-unusual", warning,
+          "A name is hard to see or to type, or is none on Windows",
+          "A blank at an end, a character that is not to be seen, or in a set for Linux a colon or a "
+          "backslash. "
+          "The manager takes the name as it is, and so has to be the name of the library's file, and what "
+          "operations ask for."},
     Check{Code::NameNearMiss, "name-near-miss", warning, "Nothing asks for this name, but for one like it",
           "The operations of the CAM manager and the tools of the desktop manager ask for libraries by fixed "
           "names, and compare each letter with its case. This name is none of them, but differs little from "

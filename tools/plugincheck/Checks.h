@@ -21,6 +21,7 @@ enum class Code {
     NameSuffix,
     NamePath,
     NameControl,
+    NameUnusual,
     NameNearMiss,
     NameUnused,
     VersionType,

@@ -36,7 +36,9 @@ Report check(const Options &options)
         if (configuration)
             configurations.append(std::move(*configuration));
     }
-    checkConfigurations(configurations, report);
+    checkConfigurations(
+        configurations, report,
+        formatOfLibraries(configurations, options.libraryDirectories, options.toolDirectories));
     if (options.toolDirectories.isEmpty()) {
         report.leaveOut(QStringLiteral("Libraries were not looked at: no --library-dir is given."));
     } else {
