@@ -43,7 +43,7 @@ QStringList found(const Report &report)
     return lines;
 }
 
-QByteArray list(const char *entries)
+QByteArray list(const QByteArray &entries)
 {
     return QByteArray("{\"pluginList\": [\n") + entries + "\n]}";
 }
@@ -66,11 +66,15 @@ private slots:
     void nameIsJudgedByWhatTheLibrariesAreFor();
     void tellsWhatTheManagerDoes_data();
     void tellsWhatTheManagerDoes();
+    void schemaMistakeTellsWhatTheManagerMakesOfIt_data();
+    void schemaMistakeTellsWhatTheManagerMakesOfIt();
+    void nothingAsVersionEqualsNothingAlone();
     void syntaxErrorShowsItsLine();
     void syntaxErrorHasItsPlaceAndAdvice_data();
     void syntaxErrorHasItsPlaceAndAdvice();
     void textsSayWhatIsThere_data();
     void textsSayWhatIsThere();
+    void nameThatIsNoTextIsNotToBeListed();
     void cycleHasItsWholeWay();
     void everyDependencyInACircleIsTold_data();
     void everyDependencyInACircleIsTold();
@@ -328,6 +332,77 @@ void tst_CheckConfiguration::tellsWhatTheManagerDoes()
     QCOMPARE(tables.check("Matrix.dll"), !name.endsWith(".dll"));
 }
 
+void tst_CheckConfiguration::schemaMistakeTellsWhatTheManagerMakesOfIt_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QStringList>("expected");
+    const auto row = [](const char *name, const char *dependency, const QStringList &expected) {
+        QTest::newRow(name) << list("{\"name\": \"5\", \"version\": \"1\"}, {\"name\": \"A\"},\n"
+                                    "{\"name\": \"B.dll\", \"version\": \"1\"},\n"
+                                    "{\"name\": \"C\", \"version\": \"1\", \"dependencies\": ["
+                                    + QByteArray(dependency) + "]}")
+                            << expected;
+    };
+    row("number as name that the list has as a text", R"({"name": 5, "version": "1"})",
+        {"The value of \"name\" has the wrong type. The manager compares it by conversion. The list has an "
+         "entry of this name, and the manager takes that one."});
+    row("name with a suffix that the list has", R"({"name": "B.dll", "version": "1"})",
+        {"The name has a suffix \".dll\" or a folder in it. The list has an entry of this name, and the "
+         "manager "
+         "takes that one."});
+    row("no version, as in the list", R"({"name": "A"})",
+        {"The key \"version\" is missing. The version is nothing, which equals the one that the list has: "
+         "that "
+         "is nothing, too."});
+    row("no version, unlike the list", R"({"name": "5"})",
+        {"The key \"version\" is missing. The version is nothing, which does not equal the one that the list "
+         "has."});
+    row("no version of what is not listed", R"({"name": "D"})",
+        {"The key \"version\" is missing. The version is nothing, which equals only a version that is "
+         "nothing, "
+         "too."});
+    QTest::newRow("entry that another takes the place of")
+        << list(R"({"name": "A", "version": "1", "dependencies": [{"name": "a/B.dll", "version": "1"}]},
+        {"name": "A"})")
+        << QStringList{
+               "The name has a suffix \".dll\" or a folder in it. None: another entry of this name stands "
+               "later, and counts."};
+}
+
+void tst_CheckConfiguration::schemaMistakeTellsWhatTheManagerMakesOfIt()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QStringList, expected);
+    const Report report = check(json, Set::Cam);
+    QStringList told;
+    for (const Finding &finding : report.findings()) {
+        if (finding.code == Code::ConfigSchema)
+            told.append(finding.message + ' ' + finding.consequence);
+    }
+    // The entry "A" has no version.
+    QVERIFY(
+        told.removeOne("The key \"version\" is missing. The version is nothing, which equals only a version "
+                       "that is nothing, too."));
+    QCOMPARE(told, expected);
+}
+
+void tst_CheckConfiguration::nothingAsVersionEqualsNothingAlone()
+{
+    const DebugLines lines;
+    QTemporaryDir directory;
+    const auto holds = [&](const QByteArray &version) {
+        const QByteArray json = list(
+            "{\"name\": \"A\"}, {\"name\": \"B.dll\", \"dependencies\": [{\"name\": \"A\"" + version + "}]}");
+        TestFiles::write(directory.filePath("set.json"), json);
+        QTPluginsMangerPrivate tables;
+        OpenBase().readPluginConfig(tables, directory.filePath("set.json"));
+        return tables.check("B.dll");
+    };
+    QVERIFY(holds(""));
+    for (const char *version : {"\"\"", "\"1\"", "0", "1.5", "true", "false", "null", "[]", "{}", "[1]"})
+        QVERIFY2(!holds(QByteArray(", \"version\": ") + version), version);
+}
+
 void tst_CheckConfiguration::syntaxErrorShowsItsLine()
 {
     const Report report = check("{\n\t\"pluginList\": [ 'x' ]\n}", Set::Cam);
@@ -417,6 +492,22 @@ void tst_CheckConfiguration::textsSayWhatIsThere()
         report);
     QCOMPARE(report.findings().size(), 1);
     QCOMPARE((QStringList{report.findings().first().message, report.findings().first().advice}), texts);
+}
+
+/// Nobody can list a plug-in by such a name.
+void tst_CheckConfiguration::nameThatIsNoTextIsNotToBeListed()
+{
+    const Report report = check(list(R"({"name": "Q", "version": "1", "dependencies": [
+        {"name": null, "version": "1"}, {"name": ["5"], "version": "1"}, {"name": {}, "version": "1"}]})"),
+                                Set::Cam);
+    QStringList messages;
+    for (const Finding &finding : report.findings()) {
+        messages.append(finding.message);
+        QCOMPARE(finding.advice, QString("Name the plug-in that is needed, or take the dependency out."));
+    }
+    QCOMPARE(messages, (QStringList{"\"Q\" has a dependency whose name is null, which no list has.",
+                                    "\"Q\" has a dependency whose name is an array, which no list has.",
+                                    "\"Q\" has a dependency whose name is an object, which no list has."}));
 }
 
 void tst_CheckConfiguration::cycleHasItsWholeWay()

@@ -29,9 +29,11 @@ constexpr std::array checks{
           "The manager loads nothing of this set, and logs nothing about it. That is how a set without "
           "plug-ins is "
           "written, so it is only a note."},
-    Check{Code::ConfigSchema, "config-schema", warning, "The file breaks its schema",
-          "The JSON is not built as pluginconfig.schema.json says. The manager passes over what it does not "
-          "know, for example a misspelled \"dependancies\", and takes a wrong type for an empty value."},
+    Check{
+        Code::ConfigSchema, "config-schema", warning, "The file breaks its schema",
+        "The JSON is not built as pluginconfig.schema.json says. The manager passes over what it does not "
+        "know, for example a misspelled \"dependancies\", and takes a wrong type for an empty value, except "
+        "in what it compares: there it converts."},
     Check{
         Code::DuplicateKey, "duplicate-key", error, "A key stands twice in one object",
         "Of two equal keys in one JSON object the later one counts, and what stands under the earlier one is "

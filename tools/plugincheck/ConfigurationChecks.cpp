@@ -293,7 +293,6 @@ bool ConfigurationCheck::checkCharacters(const Entry &entry)
     const auto isControl = [](QChar character) { return character < QLatin1Char(' '); };
     const QVector<uint> characters = name.toUcs4();
     const auto isSeen = [](uint character) { return QChar::isPrint(character); };
-    const QString anew = QStringLiteral("Type the name anew.");
     if (std::any_of(name.begin(), name.end(), isControl)) {
         add(Code::NameControl, name, entry.places.name,
             QStringLiteral("The name \"%1\" has a control character in it.").arg(shown(name)),
@@ -302,7 +301,7 @@ bool ConfigurationCheck::checkCharacters(const Entry &entry)
                 : QStringLiteral(
                     "Windows has no file of such a name. Elsewhere the file's name would have to "
                     "have the character, too."),
-            anew);
+            QStringLiteral("Type the name anew."));
         return true;
     }
     const QString asItIs = QStringLiteral(
@@ -311,7 +310,7 @@ bool ConfigurationCheck::checkCharacters(const Entry &entry)
     if (!std::all_of(characters.begin(), characters.end(), isSeen)) {
         add(Code::NameUnusual, name, entry.places.name,
             QStringLiteral("The name \"%1\" has a character that is not to be seen.").arg(shown(name)),
-            asItIs, anew);
+            asItIs, QStringLiteral("Type the name anew, and that of the file if it has the character, too."));
         return true;
     }
     if (name == name.trimmed())
@@ -547,6 +546,9 @@ QString ConfigurationCheck::missingText(int index, const Dependency &dependency)
     const QString plugin = shown(m_configuration.entries.at(index).name);
     if (!dependency.name.isValid())
         return QStringLiteral("\"%1\" has a dependency without a name, which no list has.").arg(plugin);
+    if (!canBeListed(dependency.name))
+        return QStringLiteral("\"%1\" has a dependency whose name is %2, which no list has.")
+            .arg(plugin, textOf(dependency.name));
     const QString needed = QStringLiteral("\"%1\" needs \"%2\" %3")
                                .arg(plugin, shown(textOf(dependency.name)), written(dependency.version));
     const int other =
@@ -579,8 +581,8 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
             checkIgnored(index, dependency, what);
             return;
         }
-        if (!dependency.name.isValid()) {
-            add(Code::DependencyMissing, entry.name, dependency.places.entry, what, consequenceOf(index),
+        if (!canBeListed(dependency.name)) {
+            add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(index),
                 QStringLiteral("Name the plug-in that is needed, or take the dependency out."));
             return;
         }
@@ -647,7 +649,7 @@ void ConfigurationCheck::checkSchema()
 {
     if (!m_configuration.isObject)
         return;
-    for (const SchemaMistake &mistake : schemaMistakes(m_configuration)) {
+    for (const SchemaMistake &mistake : schemaMistakes(m_configuration, m_dependencies)) {
         // What is said of the name of an entry without one stands at the entry, too.
         const bool isOfVersion = mistake.missingKey == QLatin1String("version");
         if (!isOfVersion && m_explained.contains({mistake.place.line, mistake.place.column}))
