@@ -49,6 +49,7 @@ private slots:
     void plantedFaultsAreFoundAndNothingElse();
     void jsonReportKeepsItsSchema();
     void textReportShowsPlaceAndAdvice();
+    void textReportKeepsBlanks();
     void outputSteersNoTerminal();
     void namesThatLoadAreNoErrors();
     void nameWithADriveIsAnErrorBesideLibrariesOfWindows();
@@ -233,6 +234,22 @@ void tst_CheckProgram::textReportShowsPlaceAndAdvice()
           "0 errors, 1 warning; 1 plug-in checked. plugincheck --explain CODE tells more.\n";
     QCOMPARE(run({configuration}).output, expected);
     QVERIFY(run({configuration, "--color", "always"}).output.contains("\x1b[33mwarning\x1b[0m"));
+}
+
+/// Or two names that differ would look the same.
+void tst_CheckProgram::textReportKeepsBlanks()
+{
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, TestFiles::config({TestFiles::entry(
+                                        "Own  View", "1", {TestFiles::dependency("Own   Things", "1  0")})}));
+    const QByteArray output = run({configuration}).output;
+    QVERIFY2(output.contains("\n Own  View\n"), output);
+    QVERIFY2(output.contains("\"Own  View\" needs \"Own   Things\" \"1  0\", which the list does not have."),
+             output);
+    // Lines are broken all the same.
+    QVERIFY2(output.contains("looks dependencies up under\n           \"Own  View.dll\", and the list has"),
+             output);
 }
 
 /// Names come from files that anyone may have written.

@@ -2,6 +2,8 @@
 
 #include "Readable.h"
 
+#include <QtCore/QRegularExpression>
+
 #include <algorithm>
 
 namespace PluginCheck {
@@ -39,21 +41,29 @@ private:
     const bool m_inColor;
 };
 
+/// The parts of a text between which a line may end: where one blank stands alone. Several are part of what
+/// somebody has written, and would not be seen at an end.
+QStringList unbrokenParts(const QString &text)
+{
+    static const QRegularExpression singleBlank(QStringLiteral("(?<=[^ ]) (?=[^ ])"));
+    return text.split(singleBlank);
+}
+
 /// Breaks a text between words. Lines after the first are indented.
 QString wrapped(const QString &text)
 {
     QString result;
     int column = indent;
-    for (const QString &word : inOneLine(text).split(' ', Qt::SkipEmptyParts)) {
-        if (column > indent && column + 1 + word.size() > width) {
+    for (const QString &part : unbrokenParts(inOneLine(text))) {
+        if (column > indent && column + 1 + part.size() > width) {
             result += '\n' + QString(indent, ' ');
             column = indent;
         } else if (column > indent) {
             result += ' ';
             ++column;
         }
-        result += word;
-        column += int(word.size());
+        result += part;
+        column += int(part.size());
     }
     return result;
 }
