@@ -11,6 +11,8 @@
 #include <valijson/validation_results.hpp>
 #include <valijson/validator.hpp>
 
+#include <sys/stat.h>
+
 namespace {
 
 struct Result
@@ -49,6 +51,11 @@ private slots:
     void plantedFaultsAreFoundAndNothingElse();
     void jsonReportKeepsItsSchema();
     void textReportShowsPlaceAndAdvice();
+    void fileNameThatNoManagerReadsIsWarnedOf_data();
+    void fileNameThatNoManagerReadsIsWarnedOf();
+    void tooLargeFileIsLeftOut();
+    void namedPipeIsNotWaitedFor();
+    void pipeOfTheShellIsRead();
     void textReportKeepsBlanks();
     void outputSteersNoTerminal();
     void namesThatLoadAreNoErrors();
@@ -234,6 +241,69 @@ void tst_CheckProgram::textReportShowsPlaceAndAdvice()
           "0 errors, 1 warning; 1 plug-in checked. plugincheck --explain CODE tells more.\n";
     QCOMPARE(run({configuration}).output, expected);
     QVERIFY(run({configuration, "--color", "always"}).output.contains("\x1b[33mwarning\x1b[0m"));
+}
+
+void tst_CheckProgram::fileNameThatNoManagerReadsIsWarnedOf_data()
+{
+    QTest::addColumn<QString>("meant");
+    QTest::newRow("PluginConfig4cam.json") << "pluginconfig4CAM.json";
+    QTest::newRow("pluginConfig4DFM.json") << "pluginconfig4DFM.json";
+    QTest::newRow("pluginconfig.JSON") << "pluginconfig.json";
+    QTest::newRow("pluginconfig4CAM.json") << QString();
+    QTest::newRow("own4cam.json") << QString();
+}
+
+void tst_CheckProgram::fileNameThatNoManagerReadsIsWarnedOf()
+{
+    QFETCH(QString, meant);
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath(QTest::currentDataTag());
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Things"}));
+    const Result result = run({configuration, "--strict"});
+    QCOMPARE(result.exitCode, meant.isEmpty() ? 0 : 1);
+    QCOMPARE(result.output.contains("[config-case]"), !meant.isEmpty());
+    QVERIFY2(meant.isEmpty() || result.output.contains("-> Call it \"" + meant.toUtf8() + "\"."),
+             result.output);
+}
+
+/// It takes no place on the disk, as it is one hole.
+void tst_CheckProgram::tooLargeFileIsLeftOut()
+{
+    QTemporaryDir directory;
+    QFile file(directory.filePath("pluginconfig4CAM.json"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(qint64(128) * 1024 * 1024 + 1));
+    file.close();
+    const Result result = run({file.fileName()});
+    QCOMPARE(result.exitCode, 3);
+    const QByteArray line =
+        "Left out: " + file.fileName().toUtf8() + " is larger than 128 MiB, too large to be checked.\n";
+    QVERIFY2(result.output.contains(line), result.output);
+    QVERIFY2(!result.output.contains("error "), result.output);
+}
+
+void tst_CheckProgram::namedPipeIsNotWaitedFor()
+{
+    QTemporaryDir directory;
+    const QString pipe = directory.filePath("pluginconfig4CAM.json");
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const Result result = run({pipe});
+    QCOMPARE(result.exitCode, 3);
+    QVERIFY2(result.output.contains("This is no file, but a pipe or a device. [config-unreadable]"),
+             result.output);
+}
+
+void tst_CheckProgram::pipeOfTheShellIsRead()
+{
+    QProcess process;
+    process.start(PLUGINCHECK, {"/dev/stdin", "--set", "cam"});
+    QVERIFY(process.waitForStarted());
+    process.write(TestFiles::configOf({"Own_Things"}));
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+    const QByteArray output = process.readAllStandardOutput();
+    QVERIFY2(output.contains("Nothing wrong with 1 plug-in"), output);
 }
 
 /// Or two names that differ would look the same.

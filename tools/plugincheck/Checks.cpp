@@ -14,8 +14,14 @@ constexpr Severity note = Severity::Note;
 
 constexpr std::array checks{
     Check{Code::ConfigUnreadable, "config-unreadable", error, "The configuration file cannot be read",
-          "The file is missing, is a folder, is larger than 128 MiB or may not be read. The manager logs one "
-          "line, loads nothing and reports success."},
+          "The file is missing, is a folder, a pipe or a device, or may not be read. The manager logs one "
+          "line, "
+          "loads nothing and reports success. At a pipe it waits for whoever writes to it."},
+    Check{
+        Code::ConfigCase, "config-case", warning,
+        "The configuration file's name is spelled with other capitals",
+        "The managers read pluginconfig.json, pluginconfig4CAM.json and pluginconfig4DFM.json. Spelled with "
+        "other capitals, such a name is another one on Linux, and the file is not found. Windows finds it."},
     Check{
         Code::ConfigSyntax, "config-syntax", error, "The configuration file is no JSON",
         "One mistake costs the whole file: the manager logs that it could not parse it and loads nothing of "

@@ -98,7 +98,8 @@ ParsedOptions parseOptions(const QStringList &arguments)
     const QCommandLineOption set(
         QStringLiteral("set"),
         QStringLiteral("Which set the files describe: cam, dfm or desktop. By default it is "
-                       "told by the file's name."),
+                       "told by the file's name: pluginconfig.json, or one that ends in 4CAM or 4DFM "
+                       "before its suffix, in capitals or not."),
         QStringLiteral("SET"));
     const QCommandLineOption format(QStringLiteral("format"),
                                     QStringLiteral("text (the default), json, dot or html."),

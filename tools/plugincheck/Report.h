@@ -77,6 +77,8 @@ public:
 
     void add(const Finding &finding);
     void leaveOut(const QString &what);
+    /// Also makes the call one that could not read a configuration file, without a word against the file.
+    void leaveOutConfiguration(const QString &what);
 
     const QVector<Finding> &findings() const { return m_findings; }
     const QStringList &leftOut() const { return m_leftOut; }
