@@ -56,6 +56,7 @@ private slots:
     void tooLargeFileIsLeftOut();
     void namedPipeIsNotWaitedFor();
     void pipeOfTheShellIsRead();
+    void reportThatCannotBeWrittenIsTold();
     void textReportKeepsBlanks();
     void outputSteersNoTerminal();
     void namesThatLoadAreNoErrors();
@@ -304,6 +305,25 @@ void tst_CheckProgram::pipeOfTheShellIsRead()
     QCOMPARE(process.exitCode(), 0);
     const QByteArray output = process.readAllStandardOutput();
     QVERIFY2(output.contains("Nothing wrong with 1 plug-in"), output);
+}
+
+void tst_CheckProgram::reportThatCannotBeWrittenIsTold()
+{
+    const QString full = QStringLiteral("/dev/full");
+    if (!QFile::exists(full))
+        QSKIP("This system has no device that is always full.");
+    for (const QStringList &arguments : {QStringList{exampleSets.first()}, QStringList{"--help"}}) {
+        QProcess process;
+        process.setStandardOutputFile(full);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", "C");
+        process.setProcessEnvironment(environment);
+        process.start(PLUGINCHECK, arguments);
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 3);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("plugincheck: cannot write: No space left on device\n"));
+    }
 }
 
 /// Or two names that differ would look the same.

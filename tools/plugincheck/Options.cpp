@@ -33,7 +33,7 @@ const char description[] =
     "  plugincheck log --help\n"
     "\n"
     "Exit status: 0 nothing wrong, 1 findings (errors; warnings, too, with --strict),\n"
-    "2 wrong usage, 3 a configuration file could not be read.";
+    "2 wrong usage, 3 a configuration file could not be read, or the report not be written.";
 
 bool outputIsTerminal()
 {
