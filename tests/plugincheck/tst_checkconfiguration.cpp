@@ -1,6 +1,7 @@
 #include "ConfigurationChecks.h"
 #include "Dependencies.h"
 #include "Names.h"
+#include "TextReport.h"
 #include "debuglines.h"
 #include "openbase.h"
 #include "testfiles.h"
@@ -70,6 +71,8 @@ private slots:
     void schemaMistakeTellsWhatTheManagerMakesOfIt();
     void nothingAsVersionEqualsNothingAlone();
     void syntaxErrorShowsItsLine();
+    void caretStandsUnderItsPlace_data();
+    void caretStandsUnderItsPlace();
     void syntaxErrorHasItsPlaceAndAdvice_data();
     void syntaxErrorHasItsPlaceAndAdvice();
     void textsSayWhatIsThere_data();
@@ -412,6 +415,27 @@ void tst_CheckConfiguration::syntaxErrorShowsItsLine()
     QCOMPARE(report.findings().first().advice, QStringLiteral("Texts stand in double quotes."));
 }
 
+void tst_CheckConfiguration::caretStandsUnderItsPlace_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<int>("cells");
+    QTest::newRow("letters") << "abc" << 3;
+    QTest::newRow("Chinese") << QString::fromUtf8("电路板，") << 8;
+    QTest::newRow("rare Chinese") << QString::fromUtf8("\xf0\xa0\x80\x8b") << 2;
+    QTest::newRow("Korean") << QString::fromUtf8("한") << 2;
+    QTest::newRow("accent of its own") << QString::fromUtf8("e\xcc\x81") << 1;
+}
+
+void tst_CheckConfiguration::caretStandsUnderItsPlace()
+{
+    QFETCH(QString, before);
+    QFETCH(int, cells);
+    const Report report = check("[\"" + before.toUtf8() + "\" 1]", Set::Cam);
+    const QStringList lines = textReport(report, false).split('\n');
+    QCOMPARE(lines.at(2), QString(11, ' ') + "| [\"" + before + "\" 1]");
+    QCOMPARE(lines.at(3), QString(11, ' ') + "| " + QString(cells + 4, ' ') + '^');
+}
+
 void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice_data()
 {
     QTest::addColumn<QByteArray>("json");
@@ -441,6 +465,17 @@ void tst_CheckConfiguration::syntaxErrorHasItsPlaceAndAdvice_data()
     row(R"({"pluginList": []}})", "1:19", "The file goes on behind its end.");
     row("{pluginList: []}", "1:2", "Write a key in double quotes");
     row("[yes]", "1:2", "Look at this place");
+    row("[ nan ]", "1:3", "Look at this place");
+    row("[ NaN ]", "1:3", "Look at this place");
+    row("[ +1 ]", "1:3", "Look at this place");
+    row("[ 01 ]", "1:3", "Look at this place");
+    row("[ -01]", "1:3", "Look at this place");
+    row("[ 1e999 ]", "1:3", "Look at this place");
+    row("[ 1-2 ]", "1:3", "Look at this place");
+    row("[0, -0, 1., -.5, 1e5, 1.5E-5, 1 2]", "1:33", "Write a comma before this place");
+    row("\"x\"", "1:1", "The text of a set begins with {");
+    row(" NaN", "1:2", "The text of a set begins with {");
+    row("true", "1:1", "The text of a set begins with {");
     row(R"({"a":})", "1:6", "Look at this place");
     row("\xef\xbb\xbf[1,]", "1:3", "Take this comma out");
     row(" \n", "2:1", "The file is empty.");

@@ -132,6 +132,8 @@ QString adviceOn(Fault fault)
             "The file goes on behind its end. Take out what is too much, or the bracket before it.");
     case Fault::KeyExpected:
         return QStringLiteral("Write a key in double quotes here, or close the object.");
+    case Fault::NoBeginning:
+        return QStringLiteral("The text of a set begins with { and ends with }.");
     case Fault::Other:
         break;
     }
