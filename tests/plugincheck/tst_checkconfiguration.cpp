@@ -13,6 +13,7 @@
 #include <QtCore/QVector>
 
 #include <algorithm>
+#include <ctime>
 
 using namespace PluginCheck;
 
@@ -806,7 +807,8 @@ void tst_CheckConfiguration::manyEntriesTakeShort_data()
     QTest::newRow("all names and all missing dependencies alike") << 4;
 }
 
-/// Here only that no cost grows with the square of their number; benchmarks measure it.
+/// Here only that no cost grows with the square of their number; benchmarks measure it. What else the machine
+/// does is not counted.
 void tst_CheckConfiguration::manyEntriesTakeShort()
 {
     QFETCH(int, shape);
@@ -825,10 +827,10 @@ void tst_CheckConfiguration::manyEntriesTakeShort()
                 .toUtf8();
     }
     json += "]}";
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t start = std::clock();
     const Report report = check(json, Set::Cam);
-    QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
+    const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
+    QVERIFY2(seconds < 20, qPrintable(QString::number(seconds)));
     QCOMPARE(report.pluginCount(), count);
     QVERIFY(report.count(Severity::Error) + report.count(Severity::Warning) > 0);
 }
