@@ -68,12 +68,6 @@ void Report::leaveOut(const QString &what)
         m_leftOut.append(what);
 }
 
-void Report::leaveOutConfiguration(const QString &what)
-{
-    leaveOut(what);
-    m_couldNotRead = true;
-}
-
 int Report::pluginCount() const
 {
     int count = 0;
