@@ -156,8 +156,10 @@ void tst_PluginCheckLog::reasonsOfASystemInChinese()
     qputenv("LOCPATH", QFile::encodeName(file("locales")));
     qunsetenv("LANGUAGE");
     if (!localedef.waitForFinished() || !std::setlocale(LC_ALL, "zh_CN.UTF-8")
-        || std::strerror(ENOENT) != QByteArray("没有那个文件或目录"))
-        QSKIP("This system does not know Chinese.");
+        || std::strerror(ENOENT) != QByteArray("没有那个文件或目录")) {
+        QTest::qSkip("This system does not know Chinese.", __FILE__, __LINE__);
+        return;
+    }
 
     const KeptLoaders keptLoaders;
     const QString needy = QStringLiteral(FIXTURE_DIR "/missing_needed_library/Missing_Needed_Library.dll");
@@ -177,7 +179,7 @@ void tst_PluginCheckLog::reasonsOfASystemInChinese()
                           "a library that the plug-in needs is not found: the one named in the reason",
                           "the file is not a library"}));
 #else
-    QSKIP("Other systems are known in Chinese by their recorded words.");
+    QTest::qSkip("Other systems are known in Chinese by their recorded words.", __FILE__, __LINE__);
 #endif
 }
 
