@@ -11,6 +11,8 @@
 #include <valijson/validation_results.hpp>
 #include <valijson/validator.hpp>
 
+#include <sys/stat.h>
+
 namespace {
 
 struct Result
@@ -49,7 +51,16 @@ private slots:
     void plantedFaultsAreFoundAndNothingElse();
     void jsonReportKeepsItsSchema();
     void textReportShowsPlaceAndAdvice();
+    void fileNameThatNoManagerReadsIsWarnedOf_data();
+    void fileNameThatNoManagerReadsIsWarnedOf();
+    void tooLargeFileIsLeftOut();
+    void namedPipeIsNotWaitedFor();
+    void pipeOfTheShellIsRead();
+    void reportThatCannotBeWrittenIsTold();
+    void textReportKeepsBlanks();
     void outputSteersNoTerminal();
+    void namesThatLoadAreNoErrors();
+    void nameWithADriveIsAnErrorBesideLibrariesOfWindows();
 };
 
 void tst_CheckProgram::exitStatusTellsWhatHappened_data()
@@ -134,7 +145,7 @@ void tst_CheckProgram::exampleSetsHaveNoFinding()
     QCOMPARE(result.output, QByteArray("Nothing wrong with 49 plug-ins in 3 configuration files.\n"));
     QCOMPARE(result.exitCode, 0);
 #else
-    QSKIP("The examples are not built.");
+    QTest::qSkip("The examples are not built.", __FILE__, __LINE__);
 #endif
 }
 
@@ -170,7 +181,7 @@ void tst_CheckProgram::plantedFaultsAreFoundAndNothingElse()
                                  "library-missing Graphic_MiniMap", "library-missing Graphic_Tip",
                                  "library-truncated Matrix_ToolBar", "name-near-miss Graphic_Tip"}));
 #else
-    QSKIP("The examples are not built.");
+    QTest::qSkip("The examples are not built.", __FILE__, __LINE__);
 #endif
 }
 
@@ -235,6 +246,102 @@ void tst_CheckProgram::textReportShowsPlaceAndAdvice()
     QVERIFY(run({configuration, "--color", "always"}).output.contains("\x1b[33mwarning\x1b[0m"));
 }
 
+void tst_CheckProgram::fileNameThatNoManagerReadsIsWarnedOf_data()
+{
+    QTest::addColumn<QString>("meant");
+    QTest::newRow("PluginConfig4cam.json") << "pluginconfig4CAM.json";
+    QTest::newRow("pluginConfig4DFM.json") << "pluginconfig4DFM.json";
+    QTest::newRow("pluginconfig.JSON") << "pluginconfig.json";
+    QTest::newRow("pluginconfig4CAM.json") << QString();
+    QTest::newRow("own4cam.json") << QString();
+}
+
+void tst_CheckProgram::fileNameThatNoManagerReadsIsWarnedOf()
+{
+    QFETCH(QString, meant);
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath(QTest::currentDataTag());
+    TestFiles::write(configuration, TestFiles::configOf({"Own_Things"}));
+    const Result result = run({configuration, "--strict"});
+    QCOMPARE(result.exitCode, meant.isEmpty() ? 0 : 1);
+    QCOMPARE(result.output.contains("[config-case]"), !meant.isEmpty());
+    QVERIFY2(meant.isEmpty() || result.output.contains("-> Call it \"" + meant.toUtf8() + "\"."),
+             result.output);
+}
+
+/// It takes no place on the disk, as it is one hole.
+void tst_CheckProgram::tooLargeFileIsLeftOut()
+{
+    QTemporaryDir directory;
+    QFile file(directory.filePath("pluginconfig4CAM.json"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(qint64(128) * 1024 * 1024 + 1));
+    file.close();
+    const Result result = run({file.fileName()});
+    QCOMPARE(result.exitCode, 3);
+    const QByteArray line =
+        "Left out: " + file.fileName().toUtf8() + " is larger than 128 MiB, too large to be checked.\n";
+    QVERIFY2(result.output.contains(line), result.output);
+    QVERIFY2(!result.output.contains("error "), result.output);
+}
+
+void tst_CheckProgram::namedPipeIsNotWaitedFor()
+{
+    QTemporaryDir directory;
+    const QString pipe = directory.filePath("pluginconfig4CAM.json");
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const Result result = run({pipe});
+    QCOMPARE(result.exitCode, 3);
+    QVERIFY2(result.output.contains("This is no file, but a pipe or a device. [config-unreadable]"),
+             result.output);
+}
+
+void tst_CheckProgram::pipeOfTheShellIsRead()
+{
+    QProcess process;
+    process.start(PLUGINCHECK, {"/dev/stdin", "--set", "cam"});
+    QVERIFY(process.waitForStarted());
+    process.write(TestFiles::configOf({"Own_Things"}));
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+    const QByteArray output = process.readAllStandardOutput();
+    QVERIFY2(output.contains("Nothing wrong with 1 plug-in"), output);
+}
+
+void tst_CheckProgram::reportThatCannotBeWrittenIsTold()
+{
+    const QString full = QStringLiteral("/dev/full");
+    for (const QStringList &arguments : {QStringList{exampleSets.first()}, QStringList{"--help"}}) {
+        QProcess process;
+        process.setStandardOutputFile(full);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", "C");
+        process.setProcessEnvironment(environment);
+        process.start(PLUGINCHECK, arguments);
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 3);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("plugincheck: cannot write: No space left on device\n"));
+    }
+}
+
+/// Or two names that differ would look the same.
+void tst_CheckProgram::textReportKeepsBlanks()
+{
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, TestFiles::config({TestFiles::entry(
+                                        "Own  View", "1", {TestFiles::dependency("Own   Things", "1  0")})}));
+    const QByteArray output = run({configuration}).output;
+    QVERIFY2(output.contains("\n Own  View\n"), output);
+    QVERIFY2(output.contains("\"Own  View\" needs \"Own   Things\" \"1  0\", which the list does not have."),
+             output);
+    // Lines are broken all the same.
+    QVERIFY2(output.contains("looks dependencies up under\n           \"Own  View.dll\", and the list has"),
+             output);
+}
+
 /// Names come from files that anyone may have written.
 void tst_CheckProgram::outputSteersNoTerminal()
 {
@@ -259,6 +366,44 @@ void tst_CheckProgram::outputSteersNoTerminal()
         for (const QChar character : QString::fromUtf8(output))
             QVERIFY2((character.isPrint() && character != QChar(0x202e)) || character == '\n', output);
     }
+}
+
+void tst_CheckProgram::namesThatLoadAreNoErrors()
+{
+    QTemporaryDir directory;
+    const QStringList names{
+        "T ",  " L",     QString::fromUtf8("X\xe2\x80\x8dY"), QString::fromUtf8("P\xee\x84\xa3"),
+        "a:b", "back\\s"};
+    for (const QString &name : names)
+        QVERIFY(QFile::copy(CHECKED_DIR "/good/Graphic_View.dll", directory.filePath(name + ".dll")));
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, TestFiles::configOf(names));
+    const Result result =
+        run({configuration, "--library-dir", directory.path(), "--probe", "--format", "json"});
+    QCOMPARE(result.exitCode, 0);
+    const QJsonDocument report = QJsonDocument::fromJson(result.output);
+    QStringList warned;
+    for (const QJsonValue &finding : report["findings"].toArray()) {
+        QCOMPARE(finding["code"].toString(), QString("name-unusual"));
+        warned.append(finding["plugin"].toString());
+    }
+    QCOMPARE(warned, names);
+    for (const QJsonValue &plugin : report["configurations"][0]["plugins"].toArray())
+        QCOMPARE(plugin["probe"]["result"].toString(), QString("loaded"));
+}
+
+void tst_CheckProgram::nameWithADriveIsAnErrorBesideLibrariesOfWindows()
+{
+#ifdef HAS_PE_FIXTURES
+    QTemporaryDir directory;
+    const QString configuration = directory.filePath("pluginconfig4CAM.json");
+    TestFiles::write(configuration, TestFiles::configOf({"C:Own", "Graphic_View"}));
+    const auto isError = [&](const QString &folder) {
+        return run({configuration, "--library-dir", folder}).output.contains("[name-path]");
+    };
+    QVERIFY(isError(CHECKED_DIR "/pe"));
+    QVERIFY(!isError(CHECKED_DIR "/good"));
+#endif
 }
 
 int main(int argc, char **argv)

@@ -14,8 +14,14 @@ constexpr Severity note = Severity::Note;
 
 constexpr std::array checks{
     Check{Code::ConfigUnreadable, "config-unreadable", error, "The configuration file cannot be read",
-          "The file is missing, is a folder, is larger than 128 MiB or may not be read. The manager logs one "
-          "line, loads nothing and reports success."},
+          "The file is missing, is a folder, a pipe or a device, or may not be read. The manager logs one "
+          "line, "
+          "loads nothing and reports success. At a pipe it waits for whoever writes to it."},
+    Check{
+        Code::ConfigCase, "config-case", warning,
+        "The configuration file's name is spelled with other capitals",
+        "The managers read pluginconfig.json, pluginconfig4CAM.json and pluginconfig4DFM.json. Spelled with "
+        "other capitals, such a name is another one on Linux, and the file is not found. Windows finds it."},
     Check{
         Code::ConfigSyntax, "config-syntax", error, "The configuration file is no JSON",
         "One mistake costs the whole file: the manager logs that it could not parse it and loads nothing of "
@@ -29,9 +35,11 @@ constexpr std::array checks{
           "The manager loads nothing of this set, and logs nothing about it. That is how a set without "
           "plug-ins is "
           "written, so it is only a note."},
-    Check{Code::ConfigSchema, "config-schema", warning, "The file breaks its schema",
-          "The JSON is not built as pluginconfig.schema.json says. The manager passes over what it does not "
-          "know, for example a misspelled \"dependancies\", and takes a wrong type for an empty value."},
+    Check{
+        Code::ConfigSchema, "config-schema", warning, "The file breaks its schema",
+        "The JSON is not built as pluginconfig.schema.json says. The manager passes over what it does not "
+        "know, for example a misspelled \"dependancies\", and takes a wrong type for an empty value, except "
+        "in what it compares: there it converts."},
     Check{
         Code::DuplicateKey, "duplicate-key", error, "A key stands twice in one object",
         "Of two equal keys in one JSON object the later one counts, and what stands under the earlier one is "
@@ -48,13 +56,19 @@ constexpr std::array checks{
         "The manager appends \".dll\" to each name. The name \"X.dll\" stands for a file \"X.dll.dll\". An "
         "entry of that name has another effect, too: its dependencies are those that the manager checks for "
         "the plug-in \"X\"."},
-    Check{Code::NamePath, "name-path", error, "A name has a folder or a drive in it",
-          "Libraries are listed under the name by which they were loaded. Operations ask for a file name "
-          "without a folder, so they do not find this one."},
-    Check{Code::NameControl, "name-control", error, "A name has characters that no file name has",
-          "A NUL ends a file name for the system's loader, and control characters, like a blank at an end, "
-          "come "
-          "from editing. The library is not found."},
+    Check{
+        Code::NamePath, "name-path", error, "A name has a folder or a drive in it",
+        "Libraries are listed under the name by which they were loaded. Operations ask for a file name "
+        "without a folder, so they do not find this one; only Ov_Register_Common can be given such a name."},
+    Check{Code::NameControl, "name-control", error, "A name has a control character in it",
+          "A NUL ends a file name for the system's loader. Windows allows none of these characters in a file "
+          "name, and elsewhere they come from editing."},
+    Check{Code::NameUnusual, "name-unusual", warning,
+          "A name is hard to see or to type, or is none on Windows",
+          "A blank at an end, a character that is not to be seen, or in a set for Linux a colon or a "
+          "backslash. "
+          "The manager takes the name as it is, and so has to be the name of the library's file, and what "
+          "operations ask for."},
     Check{Code::NameNearMiss, "name-near-miss", warning, "Nothing asks for this name, but for one like it",
           "The operations of the CAM manager and the tools of the desktop manager ask for libraries by fixed "
           "names, and compare each letter with its case. This name is none of them, but differs little from "

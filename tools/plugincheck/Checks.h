@@ -11,6 +11,7 @@ QString nameOf(Severity severity);
 /// Everything that can be found, in the order in which it is listed.
 enum class Code {
     ConfigUnreadable,
+    ConfigCase,
     ConfigSyntax,
     ConfigList,
     ConfigEmpty,
@@ -21,6 +22,7 @@ enum class Code {
     NameSuffix,
     NamePath,
     NameControl,
+    NameUnusual,
     NameNearMiss,
     NameUnused,
     VersionType,

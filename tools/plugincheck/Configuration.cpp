@@ -7,11 +7,13 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 
+#include <array>
+
 namespace PluginCheck {
 
 namespace {
 
-/// More than this is more than QJsonDocument takes.
+/// A manager reads more than this, too, but nobody means it.
 constexpr qint64 largestFile = qint64(128) * 1024 * 1024;
 
 QVariantList toVariantList(const QJsonArray &array);
@@ -38,9 +40,67 @@ QVariantList toVariantList(const QJsonArray &array)
 const QString nothingLoaded =
     QStringLiteral("The manager logs one line, loads nothing of this set and reports success.");
 
-void addUnreadable(const QString &file, const QString &why, const QString &advice, Report &report)
+constexpr std::array namesRead{"pluginconfig.json", "pluginconfig4CAM.json", "pluginconfig4DFM.json"};
+
+void addUnreadable(const QString &file, const QString &why, Report &report,
+                   const QString &consequence = nothingLoaded)
 {
-    report.add({Code::ConfigUnreadable, file, {}, file, {}, why, nothingLoaded, advice});
+    report.add({Code::ConfigUnreadable,
+                file,
+                {},
+                file,
+                {},
+                why,
+                consequence,
+                QStringLiteral("Look at the name and the folder.")});
+}
+
+/// Whether there is a file that ends. What another program hands over by a pipe without a name ends with it.
+bool mayBeRead(const QString &path, Report &report)
+{
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        addUnreadable(path, QStringLiteral("There is no such file."), report);
+        return false;
+    }
+    if (info.isDir()) {
+        addUnreadable(path, QStringLiteral("The file cannot be opened: it is a folder."), report);
+        return false;
+    }
+    const bool hasName = !info.canonicalFilePath().isEmpty();
+    if (!info.isFile() && hasName) {
+        addUnreadable(
+            path, QStringLiteral("This is no file, but a pipe or a device."), report,
+            QStringLiteral("The manager reads it all the same, and waits for its end, if it has one."));
+        return false;
+    }
+    return true;
+}
+
+/// Windows has one name for both spellings.
+void checkFileName(const QString &path, Report &report)
+{
+#ifdef Q_OS_WIN
+    Q_UNUSED(path)
+    Q_UNUSED(report)
+#else
+    const QString name = QFileInfo(path).fileName();
+    for (const char *const read : namesRead) {
+        const QLatin1String meant(read);
+        if (name == meant || name.compare(meant, Qt::CaseInsensitive) != 0)
+            continue;
+        report.add(
+            {Code::ConfigCase,
+             path,
+             {},
+             path,
+             {},
+             QStringLiteral("The file is called \"%1\", and managers read \"%2\".").arg(name, meant),
+             QStringLiteral("On Linux the manager logs that there is no such file, loads nothing of this "
+                            "set and reports success."),
+             QStringLiteral("Call it \"%1\".").arg(meant)});
+    }
+#endif
 }
 
 /// What an expert sees at a glance.
@@ -72,6 +132,8 @@ QString adviceOn(Fault fault)
             "The file goes on behind its end. Take out what is too much, or the bracket before it.");
     case Fault::KeyExpected:
         return QStringLiteral("Write a key in double quotes here, or close the object.");
+    case Fault::NoBeginning:
+        return QStringLiteral("The text of a set begins with { and ends with }.");
     case Fault::Other:
         break;
     }
@@ -175,24 +237,20 @@ std::optional<Set> setOfFile(const QString &file)
 std::optional<Configuration> readConfiguration(const QString &path, Set set, Report &report)
 {
     QFile file(path);
-    const QString whereToLook = QStringLiteral("Look at the name and the folder.");
-    if (!file.exists()) {
-        addUnreadable(path, QStringLiteral("There is no such file."), whereToLook, report);
+    if (!mayBeRead(path, report))
         return std::nullopt;
-    }
     // As the manager does, so that what it sees is what is looked at.
-    if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        const QString why = QFileInfo(path).isDir() ? QStringLiteral("it is a folder") : file.errorString();
-        addUnreadable(path, QStringLiteral("The file cannot be opened: %1.").arg(why), whereToLook, report);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        addUnreadable(path, QStringLiteral("The file cannot be opened: %1.").arg(file.errorString()), report);
         return std::nullopt;
     }
-    const QByteArray text = file.read(largestFile + 1);
-    if (text.size() > largestFile) {
-        addUnreadable(path, QStringLiteral("The file is larger than 128 MiB."),
-                      QStringLiteral("A set of that size cannot be meant. Look at what wrote the file."),
-                      report);
+    const QByteArray text = file.size() > largestFile ? QByteArray() : file.read(largestFile + 1);
+    if (file.size() > largestFile || text.size() > largestFile) {
+        report.leaveOutConfiguration(
+            QStringLiteral("%1 is larger than 128 MiB, too large to be checked.").arg(path));
         return std::nullopt;
     }
+    checkFileName(path, report);
     return parseConfiguration(path, set, text, report);
 }
 

@@ -93,10 +93,11 @@ class ConfigurationCheck
 {
 public:
     ConfigurationCheck(const CheckedConfiguration &checked, const std::vector<CheckedConfiguration> &all,
-                       Report &report)
+                       LibraryFile::Format format, Report &report)
         : m_configuration(checked.file)
         , m_dependencies(checked.dependencies)
         , m_tables(tablesFor(checked, all))
+        , m_format(format)
         , m_report(report)
     {
         listPluginsCheckedHere(checked, all);
@@ -112,6 +113,10 @@ private:
     void checkSchema();
     void checkEntry(int index);
     void checkName(const Entry &entry);
+    bool checkCharacters(const Entry &entry);
+    bool checkFolder(const Entry &entry);
+    bool checkWindowsName(const Entry &entry);
+    QString consequenceOfFolder() const;
     void checkRequest(const Entry &entry);
     void checkRequestOfOther(const Entry &entry, const QString &meant, Set other);
     QString requestedLike(const QString &name, Set set);
@@ -134,6 +139,7 @@ private:
     const Configuration &m_configuration;
     const DependencyResults &m_dependencies;
     const CheckedConfiguration *const m_tables;
+    const LibraryFile::Format m_format;
     Report &m_report;
     QSet<QPair<int, int>> m_explained; // Places that a finding of its own tells more about than the schema.
     QStringList m_pluginsCheckedHere;  // First those of this file, then those of the DFM file.
@@ -267,44 +273,107 @@ void ConfigurationCheck::checkEntry(int index)
 
 void ConfigurationCheck::checkName(const Entry &entry)
 {
-    const QString &name = entry.name;
-    const Place place = entry.places.name;
-    const auto isControl = [](QChar character) { return !character.isPrint() && !character.isSurrogate(); };
-    if (std::any_of(name.begin(), name.end(), isControl)) {
-        add(Code::NameControl, name, place,
-            QStringLiteral("The name \"%1\" has a character that is not to be seen.").arg(shown(name)),
-            QStringLiteral("The library is not found; a NUL ends the name for the loader."),
-            QStringLiteral("Type the name anew."));
-    } else if (name != name.trimmed()) {
-        add(Code::NameControl, name, place,
-            QStringLiteral("The name \"%1\" has a blank at an end.").arg(shown(name)),
-            QStringLiteral("The library \"%1.dll\" is not found.").arg(shown(name)),
-            QStringLiteral("Take the blank out."));
-    } else if (name.contains('/') || name.contains('\\')) {
-        add(Code::NamePath, name, place,
-            QStringLiteral("The name \"%1\" has a folder in it.").arg(shown(name)),
-            QStringLiteral(
-                "If the library is there, it is loaded under this name, and no operation finds it: "
-                "they ask for the bare file name."),
-            QStringLiteral("Write the file name alone, and name the folder to the loader."));
-    } else if (name == QLatin1String(".") || name == QLatin1String("..")) {
-        add(Code::NamePath, name, place, QStringLiteral("The name \"%1\" stands for a folder.").arg(name),
-            QStringLiteral("The manager looks for a library \"%1.dll\", which nobody means.").arg(name),
-            QStringLiteral("Write the name of the library's file, without \".dll\"."));
-    } else if (name.contains(':')) {
-        add(Code::NamePath, name, place,
-            QStringLiteral("The name \"%1\" has a colon in it.").arg(shown(name)),
-            QStringLiteral(
-                "On Windows what stands before it is a drive. If the library is there, it is loaded under "
-                "this name, and no operation finds it: they ask for the bare file name."),
-            QStringLiteral("Write the file name alone, and name the folder to the loader."));
-    } else if (name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive)) {
-        add(Code::NameSuffix, name, place, QStringLiteral("The name \"%1\" has the suffix.").arg(shown(name)),
-            QStringLiteral("The manager appends \".dll\" and looks for \"%1.dll\".").arg(shown(name)),
-            QStringLiteral("Write \"%1\".").arg(shown(name.chopped(int(qstrlen(".dll"))))));
-    } else {
+    if (checkCharacters(entry) || checkFolder(entry) || checkWindowsName(entry))
+        return;
+    const QString name = shown(entry.name);
+    if (!entry.name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive)) {
         checkRequest(entry);
+        return;
     }
+    add(Code::NameSuffix, entry.name, entry.places.name,
+        QStringLiteral("The name \"%1\" has the suffix.").arg(name),
+        QStringLiteral("The manager appends \".dll\" and looks for \"%1.dll\".").arg(name),
+        QStringLiteral("Write \"%1\".").arg(shown(entry.name.chopped(int(qstrlen(".dll"))))));
+}
+
+/// Says which characters of a name nobody sees. Returns whether there are any.
+bool ConfigurationCheck::checkCharacters(const Entry &entry)
+{
+    const QString &name = entry.name;
+    const auto isControl = [](QChar character) { return character < QLatin1Char(' '); };
+    const QVector<uint> characters = name.toUcs4();
+    const auto isSeen = [](uint character) { return QChar::isPrint(character); };
+    if (std::any_of(name.begin(), name.end(), isControl)) {
+        add(Code::NameControl, name, entry.places.name,
+            QStringLiteral("The name \"%1\" has a control character in it.").arg(shown(name)),
+            name.contains(QChar::Null)
+                ? QStringLiteral("For the loader the name ends at the NUL.")
+                : QStringLiteral(
+                    "Windows has no file of such a name. Elsewhere the file's name would have to "
+                    "have the character, too."),
+            QStringLiteral("Type the name anew."));
+        return true;
+    }
+    const QString asItIs = QStringLiteral(
+        "The manager takes the name as it is: the library's file has to be called so, and "
+        "operations that ask for it have to give the same name. It is hard to see or to type.");
+    if (!std::all_of(characters.begin(), characters.end(), isSeen)) {
+        add(Code::NameUnusual, name, entry.places.name,
+            QStringLiteral("The name \"%1\" has a character that is not to be seen.").arg(shown(name)),
+            asItIs, QStringLiteral("Type the name anew, and that of the file if it has the character, too."));
+        return true;
+    }
+    if (name == name.trimmed())
+        return false;
+    add(Code::NameUnusual, name, entry.places.name,
+        QStringLiteral("The name \"%1\" has a blank at an end.").arg(shown(name)), asItIs,
+        QStringLiteral("Take the blank out, here and of the file's name."));
+    return true;
+}
+
+QString ConfigurationCheck::consequenceOfFolder() const
+{
+    const QString loads = QStringLiteral("If the library is there, it is loaded under this name, and ");
+    return m_configuration.set == Set::Desktop
+               ? loads + QStringLiteral("no operation finds it: they ask for the bare file name.")
+               : loads
+                     + QStringLiteral("only Ov_Register_Common can be told to use it: the other operations "
+                                      "ask for the bare file name.");
+}
+
+/// Says whether a name leads into a folder, or is one. Returns the same.
+bool ConfigurationCheck::checkFolder(const Entry &entry)
+{
+    const QString &name = entry.name;
+    const bool isForWindows = m_format == LibraryFile::Format::Pe;
+    if (name.contains('/') || (isForWindows && name.contains('\\'))) {
+        add(Code::NamePath, name, entry.places.name,
+            QStringLiteral("The name \"%1\" has a folder in it.").arg(shown(name)), consequenceOfFolder(),
+            QStringLiteral("Write the file name alone, and name the folder to the loader."));
+        return true;
+    }
+    if (isForWindows && name.contains(':')) {
+        add(Code::NamePath, name, entry.places.name,
+            QStringLiteral("The name \"%1\" has a colon in it.").arg(shown(name)),
+            QStringLiteral("On Windows what stands before it is a drive. %1").arg(consequenceOfFolder()),
+            QStringLiteral("Write the file name alone, and name the folder to the loader."));
+        return true;
+    }
+    if (name != QLatin1String(".") && name != QLatin1String(".."))
+        return false;
+    add(Code::NamePath, name, entry.places.name,
+        QStringLiteral("The name \"%1\" stands for a folder.").arg(name),
+        QStringLiteral("The manager looks for a library \"%1.dll\", which nobody means.").arg(name),
+        QStringLiteral("Write the name of the library's file, without \".dll\"."));
+    return true;
+}
+
+/// Says whether a name of a set for another system is none for Windows. Returns the same.
+bool ConfigurationCheck::checkWindowsName(const Entry &entry)
+{
+    const QString &name = entry.name;
+    const bool isFolder = name.contains('\\');
+    if (!isFolder && !name.contains(':'))
+        return false;
+    add(Code::NameUnusual, name, entry.places.name,
+        QStringLiteral("The name \"%1\" has a %2 in it.")
+            .arg(shown(name), isFolder ? QStringLiteral("backslash") : QStringLiteral("colon")),
+        QStringLiteral(
+            "On Linux the library loads if its file is called so. On Windows what stands before it "
+            "is a %1, and no file has such a name.")
+            .arg(isFolder ? QStringLiteral("folder") : QStringLiteral("drive")),
+        QStringLiteral("Give entry and file another name. If a folder is meant, name it to the loader."));
+    return true;
 }
 
 /// Where both are listed, a name like another is one of its own.
@@ -477,6 +546,9 @@ QString ConfigurationCheck::missingText(int index, const Dependency &dependency)
     const QString plugin = shown(m_configuration.entries.at(index).name);
     if (!dependency.name.isValid())
         return QStringLiteral("\"%1\" has a dependency without a name, which no list has.").arg(plugin);
+    if (!canBeListed(dependency.name))
+        return QStringLiteral("\"%1\" has a dependency whose name is %2, which no list has.")
+            .arg(plugin, textOf(dependency.name));
     const QString needed = QStringLiteral("\"%1\" needs \"%2\" %3")
                                .arg(plugin, shown(textOf(dependency.name)), written(dependency.version));
     const int other =
@@ -509,8 +581,8 @@ void ConfigurationCheck::checkDependency(int index, int number, DependencyState 
             checkIgnored(index, dependency, what);
             return;
         }
-        if (!dependency.name.isValid()) {
-            add(Code::DependencyMissing, entry.name, dependency.places.entry, what, consequenceOf(index),
+        if (!canBeListed(dependency.name)) {
+            add(Code::DependencyMissing, entry.name, dependency.places.name, what, consequenceOf(index),
                 QStringLiteral("Name the plug-in that is needed, or take the dependency out."));
             return;
         }
@@ -577,7 +649,7 @@ void ConfigurationCheck::checkSchema()
 {
     if (!m_configuration.isObject)
         return;
-    for (const SchemaMistake &mistake : schemaMistakes(m_configuration)) {
+    for (const SchemaMistake &mistake : schemaMistakes(m_configuration, m_dependencies)) {
         // What is said of the name of an entry without one stands at the entry, too.
         const bool isOfVersion = mistake.missingKey == QLatin1String("version");
         if (!isOfVersion && m_explained.contains({mistake.place.line, mistake.place.column}))
@@ -625,14 +697,39 @@ void ConfigurationCheck::addReport()
 
 }
 
-void checkConfigurations(const QVector<Configuration> &configurations, Report &report)
+LibraryFile::Format formatOfLibraries(const QVector<Configuration> &configurations,
+                                      const QStringList &libraries, const QStringList &tools)
+{
+    int lead = 0; // Of those for Windows over the others.
+    for (const Configuration &configuration : configurations) {
+        const QStringList &directories = configuration.set == Set::Desktop ? tools : libraries;
+        for (const Entry &entry : configuration.entries) {
+            if (entry.name.contains(QChar::Null))
+                continue;
+            for (const QString &directory : directories) {
+                // Windows has no other name for it.
+                const QString path = directory + '/' + entry.name + QLatin1String(".dll");
+                const LibraryFile::Format format =
+                    QFileInfo(path).isFile() ? formatOfFile(path) : LibraryFile::Format::None;
+                if (format != LibraryFile::Format::None)
+                    lead += format == LibraryFile::Format::Pe ? 1 : -1;
+            }
+        }
+    }
+    if (lead == 0)
+        return nativeFormat;
+    return lead > 0 ? LibraryFile::Format::Pe : LibraryFile::Format::Elf;
+}
+
+void checkConfigurations(const QVector<Configuration> &configurations, Report &report,
+                         LibraryFile::Format format)
 {
     std::vector<CheckedConfiguration> all;
     all.reserve(std::size_t(configurations.size()));
     for (const Configuration &configuration : configurations)
         all.push_back({configuration, checkDependencies(configuration)});
     for (const CheckedConfiguration &checked : all)
-        ConfigurationCheck(checked, all, report).run();
+        ConfigurationCheck(checked, all, format, report).run();
     if (!knowsSchema())
         report.leaveOut(
             QStringLiteral("Configuration files were not compared with their schema: this build has no "

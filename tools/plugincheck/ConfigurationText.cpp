@@ -302,7 +302,7 @@ QPair<QString, int> sourceAt(const QByteArray &text, int offset)
         for (QChar &character : characters) {
             if (character == '\t')
                 character = ' ';
-            else if (!character.isPrint())
+            else if (!character.isPrint() && !character.isSurrogate())
                 character = QChar::ReplacementCharacter;
         }
         return characters;

@@ -175,19 +175,17 @@ void spread(QVector<bool> &sound, const QVector<QVector<int>> &edges)
     }
 }
 
-/// Whether a text equals this variant just when it equals the variant's own text.
-bool equalsTextAsText(const QVariant &value)
-{
-    const int type = value.userType();
-    return type == QMetaType::QString || type == QMetaType::Double || type == QMetaType::Bool;
 }
 
+bool canBeListed(const QVariant &name)
+{
+    const int type = name.userType();
+    return type == QMetaType::QString || type == QMetaType::Double || type == QMetaType::Bool;
 }
 
 int entryNamed(const Configuration &configuration, const QVariant &name)
 {
-    // What is neither equals no text at all.
-    return equalsTextAsText(name) ? configuration.entryOfName.value(name.toString(), -1) : -1;
+    return canBeListed(name) ? configuration.entryOfName.value(name.toString(), -1) : -1;
 }
 
 DependencyResults checkDependencies(const Configuration &configuration)

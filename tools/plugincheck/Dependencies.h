@@ -45,6 +45,9 @@ bool isRefused(const QString &plugin, const Configuration &configuration, const 
 QVector<int> refusedWithEntries(const QStringList &plugins, const Configuration &configuration,
                                 const DependencyResults &results);
 
+/// Whether a list can have this name: what is neither a text nor converted to one equals no name.
+bool canBeListed(const QVariant &name);
+
 /// Returns the entry that a dependency names, or -1.
 int entryNamed(const Configuration &configuration, const QVariant &name);
 

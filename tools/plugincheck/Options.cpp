@@ -33,7 +33,7 @@ const char description[] =
     "  plugincheck log --help\n"
     "\n"
     "Exit status: 0 nothing wrong, 1 findings (errors; warnings, too, with --strict),\n"
-    "2 wrong usage, 3 a configuration file could not be read.";
+    "2 wrong usage, 3 a configuration file could not be read, or the report not be written.";
 
 bool outputIsTerminal()
 {
@@ -98,7 +98,8 @@ ParsedOptions parseOptions(const QStringList &arguments)
     const QCommandLineOption set(
         QStringLiteral("set"),
         QStringLiteral("Which set the files describe: cam, dfm or desktop. By default it is "
-                       "told by the file's name."),
+                       "told by the file's name: pluginconfig.json, or one that ends in 4CAM or 4DFM "
+                       "before its suffix, in capitals or not."),
         QStringLiteral("SET"));
     const QCommandLineOption format(QStringLiteral("format"),
                                     QStringLiteral("text (the default), json, dot or html."),

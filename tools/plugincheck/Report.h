@@ -77,6 +77,12 @@ public:
 
     void add(const Finding &finding);
     void leaveOut(const QString &what);
+    /// Also makes the call one that could not read a configuration file, without a word against the file.
+    void leaveOutConfiguration(const QString &what)
+    {
+        leaveOut(what);
+        m_couldNotRead = true;
+    }
 
     const QVector<Finding> &findings() const { return m_findings; }
     const QStringList &leftOut() const { return m_leftOut; }

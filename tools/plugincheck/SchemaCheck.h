@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Configuration.h"
+#include "Dependencies.h"
 
 namespace PluginCheck {
 
@@ -18,7 +18,8 @@ struct SchemaMistake
     QString consequence;
 };
 
-/// Compares a configuration with its schema. Returns nothing where this build cannot.
-QVector<SchemaMistake> schemaMistakes(const Configuration &configuration);
+/// Compares a configuration with its schema. Returns nothing where this build cannot. What a mistake leads to
+/// depends on what becomes of the dependencies.
+QVector<SchemaMistake> schemaMistakes(const Configuration &configuration, const DependencyResults &results);
 
 }

@@ -1,6 +1,7 @@
 #include "SyntaxFault.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 
 namespace PluginCheck {
@@ -17,6 +18,32 @@ bool isOfWord(char byte)
 {
     return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z')
            || byte == '-' || byte == '+' || byte == '.' || byte == '_';
+}
+
+/// Returns the place behind the digits from a place on.
+int behindDigits(const QByteArray &text, int place)
+{
+    while (place < text.size() && text.at(place) >= '0' && text.at(place) <= '9')
+        ++place;
+    return place;
+}
+
+/// Whether QJsonDocument takes this for a number: more than JSON does, such as "1." and ".5", and less than
+/// QByteArray, such as "+1", "01" and "nan".
+bool isNumber(const QByteArray &text)
+{
+    const auto is = [&](int place, const char *characters) {
+        return place < text.size() && std::strchr(characters, text.at(place));
+    };
+    int place = is(0, "-") ? 1 : 0;
+    place = is(place, "0") ? place + 1 : behindDigits(text, place);
+    if (is(place, "."))
+        place = behindDigits(text, place + 1);
+    if (is(place, "eE"))
+        place = behindDigits(text, is(place + 1, "+-") ? place + 2 : place + 1);
+    bool isInRange = false;
+    text.toDouble(&isInRange);
+    return place == text.size() && isInRange;
 }
 
 class Search
@@ -84,11 +111,11 @@ private:
             m_open.append(byte);
             return go(byte == '{' ? Expected::KeyOrEnd : Expected::ValueOrEnd);
         }
-        if (byte == '"')
-            return text(afterValue());
         if (byte == '}' || byte == ']' || byte == ',')
             return close(byte);
-        return word();
+        if (m_open.isEmpty())
+            return faultHere(Fault::NoBeginning);
+        return byte == '"' ? text(afterValue()) : word();
     }
 
     /// What ends an object or an array, where it may, and a comma where none may be.
@@ -122,9 +149,7 @@ private:
         while (end < m_text.size() && isOfWord(m_text.at(end)))
             ++end;
         const QByteArray written = m_text.mid(m_offset, end - m_offset);
-        bool isNumber = false;
-        written.toDouble(&isNumber);
-        if (!isNumber && written != "true" && written != "false" && written != "null")
+        if (!isNumber(written) && written != "true" && written != "false" && written != "null")
             return faultHere(Fault::Other);
         m_offset = end - 1;
         return go(afterValue());

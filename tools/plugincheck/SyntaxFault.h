@@ -17,6 +17,7 @@ enum class Fault {
     WrongEnd,
     MoreAfterEnd,
     KeyExpected,
+    NoBeginning,
     Other
 };
 

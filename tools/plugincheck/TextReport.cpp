@@ -2,7 +2,11 @@
 
 #include "Readable.h"
 
+#include <QtCore/QRegularExpression>
+
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace PluginCheck {
 
@@ -39,23 +43,63 @@ private:
     const bool m_inColor;
 };
 
+/// The parts of a text between which a line may end: where one blank stands alone. Several are part of what
+/// somebody has written, and would not be seen at an end.
+QStringList unbrokenParts(const QString &text)
+{
+    static const QRegularExpression singleBlank(QStringLiteral("(?<=[^ ]) (?=[^ ])"));
+    return text.split(singleBlank);
+}
+
 /// Breaks a text between words. Lines after the first are indented.
 QString wrapped(const QString &text)
 {
     QString result;
     int column = indent;
-    for (const QString &word : inOneLine(text).split(' ', Qt::SkipEmptyParts)) {
-        if (column > indent && column + 1 + word.size() > width) {
+    for (const QString &part : unbrokenParts(inOneLine(text))) {
+        if (column > indent && column + 1 + part.size() > width) {
             result += '\n' + QString(indent, ' ');
             column = indent;
         } else if (column > indent) {
             result += ' ';
             ++column;
         }
-        result += word;
-        column += int(word.size());
+        result += part;
+        column += int(part.size());
     }
     return result;
+}
+
+/// Whether a terminal shows a character in two cells, as it does the letters of East Asia and pictures.
+bool isWide(uint character)
+{
+    static constexpr std::array<std::pair<uint, uint>, 12> ranges{{{0x1100, 0x115f},
+                                                                   {0x2e80, 0x303e},
+                                                                   {0x3041, 0xa4cf},
+                                                                   {0xa960, 0xa97c},
+                                                                   {0xac00, 0xd7a3},
+                                                                   {0xf900, 0xfaff},
+                                                                   {0xfe30, 0xfe6f},
+                                                                   {0xff00, 0xff60},
+                                                                   {0xffe0, 0xffe6},
+                                                                   {0x1f300, 0x1f64f},
+                                                                   {0x1f900, 0x1f9ff},
+                                                                   {0x20000, 0x3fffd}}};
+    return std::any_of(ranges.begin(), ranges.end(), [character](const auto &range) {
+        return character >= range.first && character <= range.second;
+    });
+}
+
+/// How many cells a terminal shows a text in.
+int cellsOf(const QString &text)
+{
+    int cells = 0;
+    for (const uint character : text.toUcs4()) {
+        const QChar::Category category = QChar::category(character);
+        if (category != QChar::Mark_NonSpacing && category != QChar::Mark_Enclosing)
+            cells += isWide(character) ? 2 : 1;
+    }
+    return cells;
 }
 
 QString placeText(const Finding &finding)
@@ -76,8 +120,9 @@ QString findingText(const Finding &finding, const Painter &paint)
             .arg(paint.severity(check.severity, severity), QString(indent - 2 - severity.size(), ' '),
                  wrapped(finding.message), paint.faint('[' + QLatin1String(check.name) + ']'));
     if (finding.sourceColumn > 0) {
-        text += margin + QStringLiteral("| ") + inOneLine(finding.source) + '\n';
-        text += margin + QStringLiteral("| ") + QString(finding.sourceColumn - 1, ' ')
+        const QString source = inOneLine(finding.source);
+        text += margin + QStringLiteral("| ") + source + '\n';
+        text += margin + QStringLiteral("| ") + QString(cellsOf(source.left(finding.sourceColumn - 1)), ' ')
                 + paint.severity(check.severity, QStringLiteral("^")) + '\n';
     }
     text += margin + paint.faint(placeText(finding)) + '\n';

@@ -23,7 +23,12 @@ int print(const QByteArray &text, std::FILE *file)
     const bool written =
         std::fwrite(text.constData(), 1, std::size_t(text.size()), file) == std::size_t(text.size())
         && std::fflush(file) == 0;
-    return written ? 0 : cannotWrite;
+    if (written)
+        return 0;
+    // Without the report its words, too, would be missed.
+    const QByteArray why = "plugincheck: cannot write: " + qt_error_string().toUtf8() + '\n';
+    std::fwrite(why.constData(), 1, std::size_t(why.size()), stderr);
+    return cannotWrite;
 }
 
 Report check(const Options &options)
@@ -36,7 +41,9 @@ Report check(const Options &options)
         if (configuration)
             configurations.append(std::move(*configuration));
     }
-    checkConfigurations(configurations, report);
+    checkConfigurations(
+        configurations, report,
+        formatOfLibraries(configurations, options.libraryDirectories, options.toolDirectories));
     if (options.toolDirectories.isEmpty()) {
         report.leaveOut(QStringLiteral("Libraries were not looked at: no --library-dir is given."));
     } else {

@@ -26,6 +26,8 @@ private slots:
     void fileThatIsNoLog_data();
     void fileThatIsNoLog();
     void furtherLinesBelongToTheirMessage();
+    void reasonIsKnownInTheLanguageOfTheSystem_data();
+    void reasonIsKnownInTheLanguageOfTheSystem();
     void hostileLines();
     void manyGroupsAreBounded();
     void drawnEventsAreLimited();
@@ -192,6 +194,80 @@ void tst_LogReport::furtherLinesBelongToTheirMessage()
     QCOMPARE(first(found, "failures").value("reasons").toArray().first().toObject().value("text").toString(),
              QString("first␊second！"));
     QCOMPARE(messages(found), QStringList("1 A -> B 1"));
+}
+
+/// What glibc writes of one fault, with the locale C and with zh_CN.
+void tst_LogReport::reasonIsKnownInTheLanguageOfTheSystem_data()
+{
+    QTest::addColumn<QByteArray>("library");
+    QTest::addColumn<QByteArray>("inEnglish");
+    QTest::addColumn<QByteArray>("inChinese");
+    QTest::addColumn<QString>("meaning");
+    const auto row = [](const char *library, const char *inEnglish, const char *inChinese,
+                        const char *meaning) {
+        QTest::newRow(inEnglish) << QByteArray(library) << QByteArray(inEnglish) << QByteArray(inChinese)
+                                 << QString(meaning);
+    };
+    const char *const missing = "the library is not where the loader looks";
+    const char *const needy = "a library that the plug-in needs is not found: the one named in the reason";
+    row("/路 径/View.dll", "/路 径/View.dll: cannot open shared object file: No such file or directory",
+        "/路 径/View.dll: 无法打开共享对象文件: 没有那个文件或目录", missing);
+    row("View.dll", "libView.dll.so: cannot open shared object file: No such file or directory",
+        "libView.dll.so: 无法打开共享对象文件: 没有那个文件或目录", missing);
+    row("View.dll", "Graphic_View.dll: cannot open shared object file: No such file or directory",
+        "Graphic_View.dll: 无法打开共享对象文件: 没有那个文件或目录", needy);
+    row("View.dll", "View.dll.so.1: cannot open shared object file: No such file or directory",
+        "View.dll.so.1: 无法打开共享对象文件: 没有那个文件或目录", needy);
+    row("View.dll", "libpriv.so: cannot open shared object file: No such file or directory",
+        "libpriv.so: 无法打开共享对象文件: 没有那个文件或目录", needy);
+    row("View.dll", "View.dll: cannot open shared object file: Permission denied",
+        "View.dll: 无法打开共享对象文件: 权限不够", "the file cannot be opened");
+    row("View.dll", "View.dll: invalid ELF header", "View.dll: 无效的 ELF 头", "the file is not a library");
+    row("View.dll", "View.dll: file too short", "View.dll: 文件过短", "the file is cut off or empty");
+    row("View.dll", "View.dll: wrong ELF class: ELFCLASS32", "View.dll: 错误的 ELF 类：ELFCLASS32",
+        "the plug-in was built for another word size than the host");
+    row("View.dll", "View.dll: cannot read file data: Is a directory",
+        "View.dll: 无法读入文件数据: 是一个目录", "the file cannot be read: a directory, or a damaged disk");
+    row("View.dll", "View.dll: ELF file OS ABI invalid", "View.dll: ELF 文件 OS ABI 无效",
+        "the file is cut off or damaged");
+    row("View.dll", "View.dll: nonzero padding in e_ident", "View.dll: 在 e_ident 中填补非零值",
+        "the file is cut off or damaged");
+    row("View.dll", "View.dll: object file has no dynamic section", "View.dll: 目标文件没有动态节",
+        "the file is cut off or damaged");
+    row("View.dll", "View.dll: ELF load command address/offset not page-aligned",
+        "View.dll: ELF load command address/offset not page-aligned", "the file is cut off or damaged");
+    row("View.dll", "View.dll: failed to map segment from shared object", "View.dll: 无法从共享目标中映射段",
+        "the file could not be mapped: memory is short, or its file system allows no code");
+    row("View.dll", "View.dll: cannot dynamically load position-independent executable",
+        "View.dll: 无法动态载入位置无关可执行文件", "the file is a program, not a library");
+    row("View.dll", "View.dll: shared object cannot be dlopen()ed", "View.dll: 无法用 dlopen() 打开共享库",
+        "the library was linked to be loaded with a program alone");
+    row("View.dll", "View.dll: cannot enable executable stack as shared object requires: Invalid argument",
+        "View.dll: 无法启用共享目标需要的执行栈: 无效的参数",
+        "the plug-in asks for a stack with code on it, which the system does not allow");
+    row("View.dll", "View.dll: cannot allocate memory in static TLS block",
+        "View.dll: 无法在静态 TLS 块中分配内存", "too many libraries with thread-local variables are loaded");
+    row("View.dll", "libpriv.so: version `V2' not found (required by libmid.so)",
+        "libpriv.so: version `V2' not found (required by libmid.so)",
+        "a library that the plug-in needs is of an older version");
+}
+
+void tst_LogReport::reasonIsKnownInTheLanguageOfTheSystem()
+{
+    QFETCH(QByteArray, library);
+    QFETCH(QByteArray, inEnglish);
+    QFETCH(QByteArray, inChinese);
+    QFETCH(QString, meaning);
+    for (const QByteArray &reason : {inEnglish, inChinese}) {
+        const QString path =
+            write("log", line('E', "pluginMangerBase",
+                              Gbk::loadFailed + library + Gbk::loadFailedReason + "Cannot load library "
+                                  + library + ": (" + reason + ')'));
+        const QJsonObject found = report({path}, 1);
+        const QJsonObject told = first(found, "failures").value("reasons").toArray().first().toObject();
+        QVERIFY2(told.value("meaning").toString() == meaning,
+                 reason + ": " + told.value("meaning").toString().toUtf8());
+    }
 }
 
 void tst_LogReport::hostileLines()

@@ -6,6 +6,13 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QException>
+#include <QtCore/QProcess>
+
+#ifdef __GLIBC__
+#    include <cerrno>
+#    include <clocale>
+#    include <cstring>
+#endif
 
 #ifdef Q_OS_UNIX
 #    include <sys/stat.h>
@@ -22,6 +29,7 @@ private slots:
     void librariesThatDoNotLoad();
     void librariesTheLoaderRefuses_data();
     void librariesTheLoaderRefuses();
+    void reasonsOfASystemInChinese();
     void pluginsThatQtRefuses_data();
     void pluginsThatQtRefuses();
     void configurationsThatCannotBeRead();
@@ -136,6 +144,43 @@ void tst_PluginCheckLog::librariesTheLoaderRefuses()
     QFETCH(QString, meaning);
     QVERIFY2(reason.value("meaning").toString() == meaning, qPrintable(reason.value("text").toString()));
     QVERIFY(!reason.value("next").toString().isEmpty());
+}
+
+/// A host sets the locale, and glibc has the words. This function has a process of its own.
+void tst_PluginCheckLog::reasonsOfASystemInChinese()
+{
+#ifdef __GLIBC__
+    QDir().mkpath(file("locales"));
+    QProcess localedef;
+    localedef.start("localedef", {"-i", "zh_CN", "-f", "UTF-8", file("locales/zh_CN.UTF-8")});
+    qputenv("LOCPATH", QFile::encodeName(file("locales")));
+    qunsetenv("LANGUAGE");
+    if (!localedef.waitForFinished() || !std::setlocale(LC_ALL, "zh_CN.UTF-8")
+        || std::strerror(ENOENT) != QByteArray("没有那个文件或目录")) {
+        QTest::qSkip("This system does not know Chinese.", __FILE__, __LINE__);
+        return;
+    }
+
+    const KeptLoaders keptLoaders;
+    const QString needy = QStringLiteral(FIXTURE_DIR "/missing_needed_library/Missing_Needed_Library.dll");
+    const QString broken = write("something_else.dll", QByteArray(5000, 'x'));
+    QTPluginsMangerPrivate tables;
+    for (const QString &library : {file("没有.dll"), needy, broken})
+        m_base.loadLibraryPlugin(tables, library);
+    QStringList meanings;
+    for (const QJsonValue &failure : report({realLog()}, 1).value("failures").toArray()) {
+        const QJsonObject reason = failure.toObject().value("reasons").toArray().first().toObject();
+        const QString text = reason.value("text").toString();
+        QVERIFY2(text.contains("无法打开共享对象文件") || text.contains("无效的 ELF 头"), qPrintable(text));
+        meanings.append(reason.value("meaning").toString());
+    }
+    QCOMPARE(meanings,
+             (QStringList{"the library is not where the loader looks",
+                          "a library that the plug-in needs is not found: the one named in the reason",
+                          "the file is not a library"}));
+#else
+    QTest::qSkip("Other systems are known in Chinese by their recorded words.", __FILE__, __LINE__);
+#endif
 }
 
 void tst_PluginCheckLog::pluginsThatQtRefuses_data()
