@@ -224,6 +224,8 @@ void tst_LogReport::reasonIsKnownInTheLanguageOfTheSystem_data()
         "View.dll: 无法打开共享对象文件: 权限不够", "the file cannot be opened");
     row("View.dll", "View.dll: invalid ELF header", "View.dll: 无效的 ELF 头", "the file is not a library");
     row("View.dll", "View.dll: file too short", "View.dll: 文件过短", "the file is cut off or empty");
+    row("View.dll", "View.dll: cannot open shared object file: File name too long",
+        "View.dll: 无法打开共享对象文件: 文件名过长", "the name is longer than that of any file");
     row("View.dll", "View.dll: wrong ELF class: ELFCLASS32", "View.dll: 错误的 ELF 类：ELFCLASS32",
         "the plug-in was built for another word size than the host");
     row("View.dll", "View.dll: cannot read file data: Is a directory",

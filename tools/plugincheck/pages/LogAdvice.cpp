@@ -66,7 +66,7 @@ constexpr Reason reasons[] = {
     {"object file has no ", "目标文件没有", damaged, copyAnew},
     {"ELF load command", nullptr, damaged, copyAnew},
     {"ELF file", "ELF 文件", damaged, copyAnew},
-    {"not a regular file", nullptr, "the file is no file, but a FIFO",
+    {"not a regular file", nullptr, "the file is no file, but a FIFO or a terminal",
      "Take it away, and copy the library anew."},
     {"cannot read file data", "无法读入文件数据", "the file cannot be read: a directory, or a damaged disk",
      "Look at the file itself."},
@@ -130,6 +130,12 @@ bool isNoSuchFile(const QString &reason)
            || reason.contains(QStringLiteral("没有那个文件或目录"));
 }
 
+bool isNameTooLong(const QString &reason)
+{
+    return reason.contains(QLatin1String("File name too long"))
+           || reason.contains(QStringLiteral("文件名过长"));
+}
+
 bool fits(const Reason &each, const QString &reason)
 {
     return reason.contains(QLatin1String(each.part))
@@ -142,6 +148,9 @@ LogAdvice PluginCheck::adviceForReason(const QString &library, const QString &re
 {
     const QString notOpened = fileNotOpened(reason);
     if (!notOpened.isNull()) {
+        if (isNameTooLong(reason))
+            return {QStringLiteral("the name is longer than that of any file"),
+                    QStringLiteral("Shorten it in the list.")};
         if (!isNoSuchFile(reason))
             return {QStringLiteral("the file cannot be opened"),
                     QStringLiteral("Look at its permissions and at those of its folders.")};
