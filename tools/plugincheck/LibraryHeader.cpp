@@ -34,6 +34,15 @@ QString machineName(const Machine (&machines)[size], quint64 number)
                                          : QString::fromLatin1(machine->name);
 }
 
+template <std::size_t size>
+bool isKnown(const Machine (&machines)[size], quint64 number)
+{
+    return std::any_of(std::begin(machines), std::end(machines),
+                       [&](const Machine &candidate) { return candidate.number == number; });
+}
+
+}
+
 QString nativeMachine()
 {
     const QString architecture = QSysInfo::buildCpuArchitecture();
@@ -44,8 +53,6 @@ QString nativeMachine()
     if (architecture == QLatin1String("arm64"))
         return QStringLiteral("ARM 64");
     return architecture == QLatin1String("arm") ? QStringLiteral("ARM") : architecture;
-}
-
 }
 
 LibraryHeader::LibraryHeader(const QByteArray &content)
@@ -162,6 +169,44 @@ void setTruncated(LibraryFile &file, quint64 size, quint64 expected)
                       .arg(locale.toString(qulonglong(size)), locale.toString(qulonglong(expected)));
 }
 
+/// The first bytes of an ELF file, which the loader compares with its own.
+void LibraryHeader::describeIdentity(LibraryFile &file) const
+{
+    constexpr int byteOrder = 5;
+    constexpr int firstOfPadding = 9;
+    constexpr int endOfPadding = 16;
+    const auto swapped = quint64(qbswap(quint16(at<quint16>(18))));
+    const quint64 number = at<quint16>(18);
+    const bool isSwapped = !isKnown(elfMachines, number) && isKnown(elfMachines, swapped);
+    file.machine = machineName(elfMachines, isSwapped ? swapped : number);
+    if (!isWide() && file.machine == QLatin1String("x86-64"))
+        file.machine = QStringLiteral("x32");
+    const auto isZero = [](char byte) { return byte == 0; };
+    const char order = m_content.at(byteOrder);
+    if (isSwapped || (order != 1 && order != 2))
+        file.detail = QStringLiteral("The ELF header names a byte order that its machine does not have.");
+    else if (m_content.at(6) != 1 || at<quint32>(20) != 1)
+        file.detail = QStringLiteral("The ELF header is of an unknown version.");
+    else if (!std::all_of(m_content.begin() + firstOfPadding, m_content.begin() + endOfPadding, isZero))
+        file.detail = QStringLiteral("The ELF header has content where zeros belong.");
+    else if (file.machine == nativeMachine() && !isForOwnSystem())
+        file.detail =
+            QStringLiteral("The ELF header names another operating system, or a later version of it.");
+    if (!file.detail.isEmpty())
+        file.problem = LibraryFile::Problem::Damaged;
+}
+
+/// Linux has a number, and no number, and counts what it has added to the format.
+bool LibraryHeader::isForOwnSystem() const
+{
+    constexpr char none = 0;
+    constexpr char gnu = 3;
+    constexpr char additions = 4;
+    const char system = m_content.at(7);
+    const char version = m_content.at(8);
+    return (system == none && version == 0) || (system == gnu && version >= 0 && version <= additions);
+}
+
 void LibraryHeader::describeElf(LibraryFile &file) const
 {
     constexpr quint64 sharedObject = 3;
@@ -169,11 +214,13 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     constexpr quint64 dynamic = 2;
     constexpr quint64 program = 0x08000000;
     constexpr quint64 unopenable = 0x40;
+    constexpr quint64 withoutSystem = 0x800;
+    constexpr quint64 smallestPage = 4096;
     const auto size = quint64(m_content.size());
     file.format = LibraryFile::Format::Elf;
-    file.machine = machineName(elfMachines, at<quint16>(18));
-    if (!isWide() && file.machine == QLatin1String("x86-64"))
-        file.machine = QStringLiteral("x32");
+    describeIdentity(file);
+    if (file.problem != LibraryFile::Problem::None)
+        return;
     const quint64 headerSize = isWide() ? 64 : 52;
     if (size < headerSize) {
         setTruncated(file, size, headerSize);
@@ -196,6 +243,7 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     bool overflows = expected < segments;
     bool isDynamic = false;
     bool isLoadable = false;
+    bool isAligned = true;
     for (quint64 i = 0; i < segmentCount && !overflows; ++i) {
         const quint64 segment = segments + i * segmentSize;
         const quint64 type = at<quint32>(segment);
@@ -205,6 +253,8 @@ void LibraryHeader::describeElf(LibraryFile &file) const
         const quint64 length = word(segment + 16, segment + 32);
         overflows = begin + length < begin;
         expected = std::max(expected, begin + length);
+        if (type == loadable)
+            isAligned = isAligned && (word(segment + 8, segment + 16) - begin) % smallestPage == 0;
         isDynamic = isDynamic || type == dynamic;
         isLoadable = isLoadable || type == loadable;
     }
@@ -217,6 +267,9 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     } else if (!isDynamic || !isLoadable) {
         file.problem = LibraryFile::Problem::Damaged;
         file.detail = QStringLiteral("The file has no dynamic section, or nothing to load.");
+    } else if (!isAligned) {
+        file.problem = LibraryFile::Problem::Damaged;
+        file.detail = QStringLiteral("The table of segments has an address that no page of the file fits.");
     } else if (dynamicFlags() & program) {
         file.problem = LibraryFile::Problem::NoLibrary;
         file.detail = QStringLiteral("It is a program, which the loader loads into no other.");
@@ -224,6 +277,7 @@ void LibraryHeader::describeElf(LibraryFile &file) const
         file.problem = LibraryFile::Problem::NoLibrary;
         file.detail = QStringLiteral("It was linked with -z nodlopen, so that the loader refuses it.");
     }
+    file.avoidsSystem = file.problem == LibraryFile::Problem::None && (dynamicFlags() & withoutSystem) != 0;
 }
 
 /// What DT_FLAGS_1 says of how the library may be loaded.

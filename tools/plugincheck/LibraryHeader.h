@@ -39,6 +39,8 @@ private:
     quint64 word(quint64 position32, quint64 position64) const;
     QByteArray bytes(quint64 begin, quint64 length) const;
     quint64 dynamicFlags() const;
+    void describeIdentity(LibraryFile &file) const;
+    bool isForOwnSystem() const;
     void describeElf(LibraryFile &file) const;
     void describePe(LibraryFile &file) const;
     void reduceElf(std::vector<uint8_t> &bytes) const;
