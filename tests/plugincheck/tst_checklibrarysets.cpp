@@ -258,6 +258,8 @@ void tst_CheckLibrarySets::headers()
         {"flags", 48, 1, nullptr},
         {"size of the header", 52, 1, nullptr},
         {"size of an entry of the segments", 54, 1, "library-damaged"},
+        {"segments out of order", 64 + 2 * 56 + 16 + 7, 2, "library-damaged"},
+        {"more than memory has", 64 + 3 * 56 + 16 + 6, 1, "library-damaged"},
         {"address out of step with the file", 64 + 16, 1, "library-damaged"},
     };
     for (const Change &change : changes) {

@@ -215,7 +215,6 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     constexpr quint64 program = 0x08000000;
     constexpr quint64 unopenable = 0x40;
     constexpr quint64 withoutSystem = 0x800;
-    constexpr quint64 smallestPage = 4096;
     const auto size = quint64(m_content.size());
     file.format = LibraryFile::Format::Elf;
     describeIdentity(file);
@@ -243,7 +242,6 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     bool overflows = expected < segments;
     bool isDynamic = false;
     bool isLoadable = false;
-    bool isAligned = true;
     for (quint64 i = 0; i < segmentCount && !overflows; ++i) {
         const quint64 segment = segments + i * segmentSize;
         const quint64 type = at<quint32>(segment);
@@ -253,8 +251,6 @@ void LibraryHeader::describeElf(LibraryFile &file) const
         const quint64 length = word(segment + 16, segment + 32);
         overflows = begin + length < begin;
         expected = std::max(expected, begin + length);
-        if (type == loadable)
-            isAligned = isAligned && (word(segment + 8, segment + 16) - begin) % smallestPage == 0;
         isDynamic = isDynamic || type == dynamic;
         isLoadable = isLoadable || type == loadable;
     }
@@ -267,9 +263,9 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     } else if (!isDynamic || !isLoadable) {
         file.problem = LibraryFile::Problem::Damaged;
         file.detail = QStringLiteral("The file has no dynamic section, or nothing to load.");
-    } else if (!isAligned) {
+    } else if (!areSegmentsInPlace()) {
         file.problem = LibraryFile::Problem::Damaged;
-        file.detail = QStringLiteral("The table of segments has an address that no page of the file fits.");
+        file.detail = QStringLiteral("The table of segments has an address where the file cannot be put.");
     } else if (dynamicFlags() & program) {
         file.problem = LibraryFile::Problem::NoLibrary;
         file.detail = QStringLiteral("It is a program, which the loader loads into no other.");
@@ -278,6 +274,28 @@ void LibraryHeader::describeElf(LibraryFile &file) const
         file.detail = QStringLiteral("It was linked with -z nodlopen, so that the loader refuses it.");
     }
     file.avoidsSystem = file.problem == LibraryFile::Problem::None && (dynamicFlags() & withoutSystem) != 0;
+}
+
+/// Whether what is loaded begins at the same place in a page as in the file, rises, and leaves room for others.
+bool LibraryHeader::areSegmentsInPlace() const
+{
+    constexpr quint64 loadable = 1;
+    constexpr quint64 smallestPage = 4096;
+    constexpr quint64 mostMemory = quint64(1) << 47;
+    const quint64 segmentSize = isWide() ? 56 : 32;
+    quint64 before = 0;
+    for (quint64 i = 0; i < at<quint16>(isWide() ? 56 : 44); ++i) {
+        const quint64 segment = word(28, 32) + i * segmentSize;
+        if (at<quint32>(segment) != loadable)
+            continue;
+        const quint64 address = word(segment + 8, segment + 16);
+        const quint64 length = word(segment + 20, segment + 40);
+        const bool isAligned = (address - word(segment + 4, segment + 8)) % smallestPage == 0;
+        if (!isAligned || address < before || address > mostMemory || length > mostMemory)
+            return false;
+        before = address;
+    }
+    return true;
 }
 
 /// What DT_FLAGS_1 says of how the library may be loaded.

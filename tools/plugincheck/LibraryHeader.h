@@ -41,6 +41,7 @@ private:
     quint64 dynamicFlags() const;
     void describeIdentity(LibraryFile &file) const;
     bool isForOwnSystem() const;
+    bool areSegmentsInPlace() const;
     void describeElf(LibraryFile &file) const;
     void describePe(LibraryFile &file) const;
     void reduceElf(std::vector<uint8_t> &bytes) const;
