@@ -58,6 +58,8 @@ private slots:
     void fileIsTheOneThatQtFinds_data();
     void fileIsTheOneThatQtFinds();
     void nameWithAFolderIsLeftOut();
+    void managerThatIsNotFoundIsLeftOut_data();
+    void managerThatIsNotFoundIsLeftOut();
 
 private:
     Report check(const QVector<Library> &libraries, Set set, const QStringList &directories = {});
@@ -185,8 +187,6 @@ void tst_CheckLibraries::findsFault_data()
         row("needed library without a name, which is the program",
             {view, checked + "/needy/Graphic_View.dll",
              [](QByteArray content) { return content.replace("libprivate.so", QByteArray(13, '\0')); }},
-            "symbol-missing");
-        row("functions of a manager that is nowhere", {view, checked + "/of_manager/Graphic_View.dll"},
             "symbol-missing");
     }
 #ifdef HAS_PE_FIXTURES
@@ -487,6 +487,28 @@ void tst_CheckLibraries::nameWithAFolderIsLeftOut()
     const Report ofTool = checkIn({}, {directory.path()}, Set::Desktop, {"sub/Graphic_View"});
     QCOMPARE(ofTool.configurations.first().plugins.first().library,
              directory.filePath("sub/Graphic_View.dll"));
+}
+
+/// The host has it already, and need not find it where it finds plug-ins.
+void tst_CheckLibraries::managerThatIsNotFoundIsLeftOut_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("left to the host") << "of_manager";
+    QTest::newRow("linked to it") << "linked_to_manager";
+}
+
+void tst_CheckLibraries::managerThatIsNotFoundIsLeftOut()
+{
+    QFETCH(QString, folder);
+    const QString file = QStringLiteral(CHECKED_DIR "/%1/Graphic_View.dll").arg(folder);
+    const Report without = check({{"Graphic_View", file}}, Set::Cam);
+    QCOMPARE(found(without), QStringList());
+    QCOMPARE(without.leftOut(),
+             QStringList{"What plug-ins use of the manager's library was not looked at, as it was not found: "
+                         "name its folder by --library-dir."});
+    const Report with = check({{"Graphic_View", file}}, Set::Cam, {QStringLiteral(MANAGER_DIR)});
+    QCOMPARE(found(with), QStringList());
+    QCOMPARE(with.leftOut(), QStringList());
 }
 
 int main(int argc, char **argv)

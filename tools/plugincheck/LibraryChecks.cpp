@@ -161,6 +161,7 @@ private:
     void removeResolved(Symbols &symbols, const LibraryFile &file, const QString &path,
                         const QStringList &needed) const;
     const Symbols &unresolvedOf(const QString &path);
+    void leaveOutManager();
     void addSymbolsMissing(const Candidate &candidate, Symbols symbols, const QString &message);
     void checkVersions(const Candidate &candidate, const QVector<Needed> &needed);
     void checkVersionsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
@@ -327,11 +328,6 @@ void LibraryCheck::findUsualKind(const QVector<Candidate> &candidates)
     m_usualKind = usual == counts.end() ? own : usual->first;
 }
 
-/// Codes of what keeps a library from being loaded.
-constexpr Code refusals[] = {Code::LibraryUnreadable, Code::LibraryFormat, Code::LibraryTruncated,
-                             Code::LibraryDamaged,    Code::NeededMissing, Code::SymbolMissing,
-                             Code::SymbolVersion};
-
 /// Returns the first that nothing is known against, or else the last one, of which the manager's log tells.
 QString LibraryCheck::fileThatLoads(const Candidate &candidate, const QStringList &files) const
 {
@@ -343,10 +339,8 @@ QString LibraryCheck::fileThatLoads(const Candidate &candidate, const QStringLis
         attempt.file = std::make_shared<const LibraryFile>(readLibrary(file));
         if (check.checkFile(attempt) && knowsLibraries())
             check.checkContents(attempt);
-        const auto isRefusal = [](const Finding &finding) {
-            return std::find(std::begin(refusals), std::end(refusals), finding.code) != std::end(refusals);
-        };
-        if (std::none_of(report.findings().begin(), report.findings().end(), isRefusal))
+        if (std::none_of(report.findings().begin(), report.findings().end(),
+                         [](const Finding &finding) { return isRefusal(finding.code); }))
             return file;
     }
     return files.last();
@@ -592,6 +586,10 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
                 continue;
             seen.insert(name);
             const FoundLibrary found = m_search.find(name, *step.file, step.path, step.inherited);
+            if (found.state == FoundLibrary::State::Missing && isOfManager(name)) {
+                leaveOutManager();
+                continue;
+            }
             if (found.state == FoundLibrary::State::Missing) {
                 complete = false;
                 add(Code::NeededMissing, candidate,
@@ -760,8 +758,24 @@ void LibraryCheck::checkPeSymbolsOf(const LibraryFile &user, const QString &who,
     }
 }
 
+/// The host has it, and finds it by its own rules.
+void LibraryCheck::leaveOutManager()
+{
+    m_report.leaveOut(
+        QStringLiteral("What plug-ins use of the manager's library was not looked at, as it was "
+                       "not found: name its folder by --library-dir."));
+}
+
 void LibraryCheck::addSymbolsMissing(const Candidate &candidate, Symbols symbols, const QString &message)
 {
+    if (m_search.find(librariesOfHosts().last(), *candidate.file, candidate.path, {}).path.isEmpty()) {
+        const auto others = std::remove_if(symbols.begin(), symbols.end(), [](const ImportedSymbol &symbol) {
+            return isOfManager(QString::fromStdString(symbol.name));
+        });
+        if (others != symbols.end())
+            leaveOutManager();
+        symbols.erase(others, symbols.end());
+    }
     if (symbols.empty())
         return;
     constexpr std::size_t most = 5;
@@ -911,6 +925,14 @@ void LibraryCheck::checkBuilds(const QVector<Candidate> &candidates)
     }
 }
 
+}
+
+bool isRefusal(Code code)
+{
+    constexpr Code refusals[] = {Code::LibraryUnreadable, Code::LibraryFormat, Code::LibraryTruncated,
+                                 Code::LibraryDamaged,    Code::NeededMissing, Code::SymbolMissing,
+                                 Code::SymbolVersion};
+    return std::find(std::begin(refusals), std::end(refusals), code) != std::end(refusals);
 }
 
 void checkLibraries(const QVector<Configuration> &configurations, const LibrarySearch &search, Report &report)

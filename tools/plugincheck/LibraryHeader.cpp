@@ -276,7 +276,8 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     file.avoidsSystem = file.problem == LibraryFile::Problem::None && (dynamicFlags() & withoutSystem) != 0;
 }
 
-/// Whether what is loaded begins at the same place in a page as in the file, rises, and leaves room for others.
+/// Whether what is loaded begins at the same place in a page as in the file, rises, and leaves room for
+/// others.
 bool LibraryHeader::areSegmentsInPlace() const
 {
     constexpr quint64 loadable = 1;

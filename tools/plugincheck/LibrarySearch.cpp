@@ -456,6 +456,13 @@ QStringList expandedPaths(const QStringList &paths, const QString &library)
     return expanded;
 }
 
+bool isOfManager(const QString &text)
+{
+    static const QRegularExpression own(
+        QStringLiteral(R"(\b(lib)?pluginManger(Common)?\.(so\.\d+|dll)\b|QT[pP]luginsManger|\b_ZN6Common)"));
+    return text.contains(own);
+}
+
 const QStringList &librariesOfHosts()
 {
     static const QStringList libraries{QStringLiteral("libQt5Core.so.5"),

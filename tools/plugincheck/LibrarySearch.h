@@ -109,6 +109,10 @@ private:
 /// $LIB and $PLATFORM.
 QStringList expandedPaths(const QStringList &paths, const QString &library);
 
+/// Whether a name is that of a library of the manager or of something in it, or a reason of the loader is
+/// about one.
+bool isOfManager(const QString &text);
+
 /// What each host has loaded before its plug-ins, not counting what these need.
 const QStringList &librariesOfHosts();
 
