@@ -52,7 +52,8 @@ private slots:
     void cutOffLibraryIsAlwaysTold_data();
     void cutOffLibraryIsAlwaysTold();
     void oddOneOutIsOfAnotherMachine();
-    void hugeFileIsNotRead();
+    void hugeFileIsReadWhereItCounts();
+    void sectionsFarBehindAreFound();
     void toolsAreLookedForWhereQtDoes();
     void neededLibrariesAreLookedForWhereTheLoaderDoes();
     void fileIsTheOneThatQtFinds_data();
@@ -398,16 +399,60 @@ void tst_CheckLibraries::oddOneOutIsOfAnotherMachine()
 #endif
 }
 
-/// It takes no place on the disk, as it is one hole.
-void tst_CheckLibraries::hugeFileIsNotRead()
+/// They take no place on the disk, as they are mostly holes.
+void tst_CheckLibraries::hugeFileIsReadWhereItCounts()
 {
+    const qint64 huge = 1024 * 1024 * 1024 + qint64(1);
     const QTemporaryDir directory;
     const QString file = directory.filePath("Graphic_View.dll");
-    TestFiles::write(file, "x");
-    QVERIFY(QFile::resize(file, 1024 * 1024 * 1024 + qint64(1)));
-    const Report report = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
-    QCOMPARE(found(report), QStringList{"library-unreadable Graphic_View"});
-    QCOMPARE(report.findings().first().message, QStringLiteral("It is larger than 1 GiB."));
+    const auto grow = [&](const QByteArray &content) {
+        TestFiles::write(file, content);
+        QVERIFY(QFile::resize(file, huge));
+    };
+    grow("x");
+    QCOMPARE(found(check({{"Graphic_View", {}}}, Set::Cam, {directory.path()})),
+             QStringList{"library-format Graphic_View"});
+
+    const QByteArray content = TestFiles::read(good);
+    grow(content);
+    const Report padded = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
+    QCOMPARE(found(padded), QStringList());
+    QCOMPARE(padded.leftOut(), QStringList());
+
+    const auto length = quint64(huge);
+    constexpr int lengthOfFirstSegment = 64 + 32;
+    grow(QByteArray(content).replace(lengthOfFirstSegment, 8, reinterpret_cast<const char *>(&length), 8));
+    const Report full = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
+    QCOMPARE(found(full), QStringList());
+    QCOMPARE(full.leftOut(),
+             QStringList{file + ": It is too large to be checked: more than 1 GiB of it counts."});
+}
+
+/// As where tables for debuggers lie between them and what is loaded.
+void tst_CheckLibraries::sectionsFarBehindAreFound()
+{
+    const QByteArray content = TestFiles::read(tool);
+    const LibraryFile near = readLibrary(content);
+    QVERIFY(near.exportsAreComplete && near.isQtPlugin);
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("File_Process.dll");
+    TestFiles::write(path, content);
+    const quint64 hole = quint64(1024) * 1024 * 1024;
+    const quint64 before = qFromLittleEndian<quint64>(content.constData() + 40);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const quint64 after = before + hole;
+    QVERIFY(file.seek(40) && file.write(reinterpret_cast<const char *>(&after), 8) == 8);
+    QVERIFY(file.seek(qint64(after)) && file.write(content.mid(int(before))) > 0);
+    file.close();
+
+    const LibraryFile far = readLibrary(path);
+    QCOMPARE(far.problem, LibraryFile::Problem::None);
+    QVERIFY(far.exportsAreComplete);
+    QVERIFY(far.isQtPlugin);
+    QCOMPARE(far.qtPluginVersion, near.qtPluginVersion);
+    QVERIFY(far.exports == near.exports);
+    QCOMPARE(far.imports.size(), near.imports.size());
 }
 
 void tst_CheckLibraries::toolsAreLookedForWhereQtDoes()

@@ -408,6 +408,9 @@ bool LibraryCheck::checkFile(const Candidate &candidate)
         add(Code::LibraryUnreadable, candidate, file.detail, failsToLoad,
             QStringLiteral("Look at the file and its permissions."));
         break;
+    case LibraryFile::Problem::TooLarge:
+        m_report.leaveOut(candidate.path + QStringLiteral(": ") + file.detail);
+        break;
     case LibraryFile::Problem::NoLibrary:
         add(Code::LibraryFormat, candidate, file.detail, failsToLoad, anew);
         break;
@@ -617,6 +620,11 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
             if (found.isSystem)
                 continue;
             const LibraryFile &file = m_search.read(found.path);
+            if (file.problem == LibraryFile::Problem::TooLarge) {
+                complete = false;
+                m_report.leaveOut(found.path + QStringLiteral(": ") + file.detail);
+                continue;
+            }
             const bool isAlike = file.format == candidate.file->format;
             if (file.problem != LibraryFile::Problem::None || !isAlike) {
                 complete = false;

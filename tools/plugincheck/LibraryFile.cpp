@@ -20,7 +20,7 @@ namespace PluginCheck {
 
 namespace {
 
-constexpr qint64 largestFile = qint64(1024) * 1024 * 1024;
+constexpr qint64 largestContent = qint64(1024) * 1024 * 1024;
 
 /// What QLibrary looks for to tell a Qt plug-in from other libraries, and what follows there. It takes the
 /// last one in a section of its own, and on Windows the last one of the file.
@@ -254,11 +254,15 @@ LibraryFile readLibrary(const QString &path)
         unreadable.detail = QStringLiteral("It is no file.");
     else if (!source.open(QIODevice::ReadOnly))
         unreadable.detail = source.errorString() + '.';
-    else if (source.size() > largestFile)
-        unreadable.detail = QStringLiteral("It is larger than 1 GiB.");
     if (!unreadable.detail.isEmpty())
         return unreadable;
-    return readLibrary(source.readAll());
+    const std::optional<QByteArray> content = relevantContent(source, largestContent);
+    if (content)
+        return readLibrary(*content);
+    LibraryFile tooLarge;
+    tooLarge.problem = LibraryFile::Problem::TooLarge;
+    tooLarge.detail = QStringLiteral("It is too large to be checked: more than 1 GiB of it counts.");
+    return tooLarge;
 }
 
 LibraryFile readBeginning(const QString &path)

@@ -34,7 +34,7 @@ struct ImportedVersion
 struct LibraryFile
 {
     enum class Format { None, Elf, Pe };
-    enum class Problem { None, Unreadable, NoLibrary, Truncated, Damaged };
+    enum class Problem { None, Unreadable, TooLarge, NoLibrary, Truncated, Damaged };
 
     Problem problem = Problem::None;
     /// More of the problem, for people.

@@ -380,6 +380,74 @@ bool LibraryHeader::hasSections() const
     return tables == 1;
 }
 
+quint64 LibraryHeader::endOfLoaded() const
+{
+    constexpr quint64 loadable = 1;
+    const quint64 segmentSize = isWide() ? 56 : 32;
+    const quint64 count = at<quint16>(isWide() ? 56 : 44);
+    quint64 end = word(28, 32) + count * segmentSize;
+    for (quint64 i = 0; i < count; ++i) {
+        const quint64 segment = word(28, 32) + i * segmentSize;
+        if (at<quint32>(segment) == loadable)
+            end = std::max(end, word(segment + 4, segment + 8) + word(segment + 16, segment + 32));
+    }
+    return end;
+}
+
+/// Writes an address or a length in the file's own way.
+void LibraryHeader::putWord(QByteArray &bytes, int position, quint64 value) const
+{
+    char *const place = bytes.data() + position;
+    if (isWide())
+        m_isBigEndian ? qToBigEndian(value, place) : qToLittleEndian(value, place);
+    else
+        m_isBigEndian ? qToBigEndian(quint32(value), place) : qToLittleEndian(quint32(value), place);
+}
+
+QByteArray LibraryHeader::withSections(QIODevice &file) const
+{
+    constexpr qint64 mostNames = qint64(16) * 1024 * 1024;
+    const auto read = [&file](quint64 begin, quint64 length) {
+        return file.seek(qint64(begin)) ? file.read(qint64(length)) : QByteArray();
+    };
+    QByteArray content = read(0, endOfLoaded());
+    const quint64 sections = word(32, 40);
+    const quint64 sectionSize = isWide() ? 64 : 40;
+    const quint64 sectionCount = at<quint16>(isWide() ? 60 : 48);
+    const quint64 names = at<quint16>(isWide() ? 62 : 50) * sectionSize;
+    QByteArray table = read(sections, sectionCount * sectionSize);
+    if (sections < quint64(content.size()) || quint64(table.size()) != sectionCount * sectionSize
+        || names >= quint64(table.size()))
+        return content;
+    const LibraryHeader header(content.left(6) + table);
+    const quint64 name = 6 + names;
+    const quint64 length = header.word(name + 20, name + 32);
+    if (length > quint64(mostNames))
+        return content;
+    const QByteArray texts = read(header.word(name + 16, name + 24), length);
+    putWord(table, int(names + (isWide() ? 24 : 16)), quint64(content.size() + table.size()));
+    putWord(content, isWide() ? 40 : 32, quint64(content.size()));
+    return content + table + texts;
+}
+
+std::optional<QByteArray> relevantContent(QIODevice &file, qint64 most)
+{
+    constexpr qint64 enoughForHeaders = 4 * 1024 * 1024; // As many segments as there can be.
+    const QByteArray beginning = file.read(enoughForHeaders);
+    LibraryFile described;
+    const LibraryHeader header(beginning);
+    header.describe(described);
+    if (described.format == LibraryFile::Format::None || file.size() <= beginning.size())
+        return beginning;
+    const bool isElf = described.format == LibraryFile::Format::Elf;
+    const quint64 end = isElf ? header.endOfLoaded() : quint64(file.size());
+    if (std::min(end, quint64(file.size())) > quint64(most))
+        return std::nullopt;
+    if (isElf && end < quint64(file.size()))
+        return header.withSections(file);
+    return file.seek(0) ? file.readAll() : beginning;
+}
+
 std::vector<uint8_t> LibraryHeader::reduced() const
 {
     std::vector<uint8_t> bytes(m_content.begin(), m_content.end());
