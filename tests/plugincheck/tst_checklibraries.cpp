@@ -200,6 +200,10 @@ void tst_CheckLibraries::findsFault_data()
         {view, checked + "/pe/Graphic_View.dll", [](QByteArray content) { return content.left(1000); }},
         "library-truncated");
     row("DLL without what it needs", {view, checked + "/pe/Graphic_View.dll"}, "needed-missing");
+    row("DLL that needs one that may be of Windows", {view, checked + "/pe_unknown/Graphic_View.dll"},
+        "needed-unknown");
+    row("DLL that passes on to what is nowhere", {view, checked + "/pe_forwarding/Graphic_View.dll"},
+        "factory-missing");
     row("DLL with an older helper", {view, checked + "/pe_helped/Graphic_View.dll"}, "symbol-missing",
         Set::Cam, {checked + "/pe_older"});
 #endif
@@ -272,6 +276,9 @@ void tst_CheckLibraries::acceptsTwin_data()
     row("DLL with a library that it needs", {"Graphic_View", checked + "/pe_indirect/Graphic_View.dll"},
         Set::Cam, {checked + "/pe_using_newer", checked + "/pe_newer"});
     row("DLL", {"Graphic_View", checked + "/pe/Graphic_View.dll"}, Set::Cam, {checked + "/pe"});
+    row("DLL that needs one of Windows", {"Graphic_View", checked + "/pe_known/Graphic_View.dll"});
+    row("DLL that passes on", {"Graphic_View", checked + "/pe_forwarding/Graphic_View.dll"}, Set::Cam,
+        {checked + "/pe_newer"});
     row("DLL with its helper", {"Graphic_View", checked + "/pe_helped/Graphic_View.dll"}, Set::Cam,
         {checked + "/pe_newer"});
 #endif

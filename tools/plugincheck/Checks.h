@@ -41,6 +41,7 @@ enum class Code {
     EntryPointMissing,
     QtPluginMissing,
     NeededMissing,
+    NeededUnknown,
     SymbolMissing,
     SymbolVersion,
     QtVersion,

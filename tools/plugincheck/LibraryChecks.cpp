@@ -150,6 +150,8 @@ private:
     bool checkFile(const Candidate &candidate);
     void checkMachines(const QVector<Candidate> &candidates);
     void checkContents(const Candidate &candidate);
+    bool isForwardedNowhere(const LibraryFile &file, const std::string &symbol,
+                            const Candidate &candidate) const;
     void checkExports(const Candidate &candidate, const QVector<Needed> &needed);
     void addFactoryMissing(const Candidate &candidate, const QByteArray &factory);
     void checkNeeded(const Candidate &candidate, QVector<Needed> &needed, bool &complete);
@@ -483,6 +485,14 @@ const LibraryFile *definitionOf(const std::string &symbol, const LibraryFile &fi
     return nullptr;
 }
 
+bool LibraryCheck::isForwardedNowhere(const LibraryFile &file, const std::string &symbol,
+                                      const Candidate &candidate) const
+{
+    const auto forward = file.forwards.find(symbol);
+    return forward != file.forwards.end()
+           && m_search.find(forward->second, file, candidate.path, {}).state != FoundLibrary::State::Found;
+}
+
 void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed> &needed)
 {
     const LibraryFile &file = *candidate.file;
@@ -519,6 +529,12 @@ void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed
         const LibraryFile *const maker = definitionOf(symbol, file, needed, m_search);
         if (!maker) {
             addFactoryMissing(candidate, factory);
+        } else if (isForwardedNowhere(*maker, symbol, candidate)) {
+            add(Code::FactoryMissing, candidate,
+                QStringLiteral("The library exports %1 as a function of %2, which cannot be found.")
+                    .arg(QString::fromLatin1(factory), maker->forwards.at(symbol)),
+                QStringLiteral("The operation for it returns null, and nothing is logged."),
+                QStringLiteral("Put that library beside the program, or name its folder by --library-dir."));
         } else if (maker->data.count(symbol) > 0) {
             add(Code::FactoryMissing, candidate,
                 QStringLiteral("The library exports %1, but as data, not as a function.")
@@ -604,6 +620,16 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
                         ? QStringLiteral("Put it beside the program, or name its folder by --library-dir.")
                         : QStringLiteral(
                             "Ship it, or name its folder by --library-dir if the host finds it."));
+                continue;
+            }
+            if (found.state == FoundLibrary::State::Unknown
+                && candidate.file->format == LibraryFile::Format::Pe) {
+                add(Code::NeededUnknown, candidate,
+                    QStringLiteral("It needs %1, which is in no folder, and not known as one of Windows.")
+                        .arg(step.way.isEmpty() ? name : step.way + QStringLiteral(", which needs ") + name),
+                    failsToLoad,
+                    QStringLiteral("If Windows does not have it, put it beside the program, or name its "
+                                   "folder by --library-dir."));
                 continue;
             }
             if (found.state == FoundLibrary::State::Unknown) {

@@ -171,6 +171,10 @@ void readPe(const LibraryHeader &header, LibraryFile &file)
             if (entry.name().empty())
                 continue;
             file.exports[entry.name()];
+            const QByteArray forward = header.forwardAt(entry.address());
+            if (!forward.isEmpty())
+                file.forwards[entry.name()] =
+                    QString::fromLatin1(forward.left(forward.lastIndexOf('.'))) + QLatin1String(".dll");
             if (!header.isFunction(entry.address()))
                 file.data.insert(entry.name());
             if (entry.name() == stampName)

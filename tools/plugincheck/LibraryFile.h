@@ -52,6 +52,8 @@ struct LibraryFile
     bool avoidsSystem = false;
     /// With the versions in which each is there; an empty one where it is there without a version.
     std::unordered_map<std::string, std::vector<std::string>> exports;
+    /// The DLLs that have what a DLL only passes on.
+    std::unordered_map<std::string, QString> forwards;
     /// Those of the exports that cannot be called.
     std::unordered_set<std::string> data;
     QVector<ImportedSymbol> imports;

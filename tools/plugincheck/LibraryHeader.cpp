@@ -126,15 +126,28 @@ QByteArray LibraryHeader::contentAt(quint64 address, quint64 length) const
     return {};
 }
 
+/// The first directory is that of exports; an address in it is that of a name.
+bool LibraryHeader::isAmongExports(quint64 address) const
+{
+    const quint64 optional = at<quint32>(60) + 24;
+    const quint64 exports = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
+    const quint64 begin = at<quint32>(exports);
+    return address >= begin && address - begin < at<quint32>(exports + 4);
+}
+
+QByteArray LibraryHeader::forwardAt(quint64 address) const
+{
+    constexpr quint64 longest = 512;
+    const QByteArray text = isAmongExports(address) ? contentAt(address, longest) : QByteArray();
+    return text.left(int(qstrnlen(text.constData(), uint(text.size()))));
+}
+
 bool LibraryHeader::isFunction(quint64 address) const
 {
     constexpr quint64 executable = 0x20000000;
     const quint64 header = at<quint32>(60);
     const quint64 optional = header + 24;
-    // The first directory is that of exports; an address in it is that of a name.
-    const quint64 exports = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
-    const quint64 exportsBegin = at<quint32>(exports);
-    if (address >= exportsBegin && address - exportsBegin < at<quint32>(exports + 4))
+    if (isAmongExports(address))
         return true;
     const quint64 sections = optional + at<quint16>(header + 20);
     for (quint64 i = 0; i < at<quint16>(header + 6); ++i) {

@@ -34,6 +34,10 @@ public:
     /// Whether a PE file has code at an address, or the name of a function of another library.
     bool isFunction(quint64 address) const;
 
+    /// Returns the name of the library and the function that a PE file has at an address in the place of a
+    /// function; nothing if there is none.
+    QByteArray forwardAt(quint64 address) const;
+
     /// Returns where all ends that is loaded of an ELF file, the headers included.
     quint64 endOfLoaded() const;
 
@@ -58,6 +62,7 @@ private:
     void reduceDynamic(std::vector<uint8_t> &bytes, quint64 begin, quint64 length) const;
     void reducePe(std::vector<uint8_t> &bytes) const;
     void putWord(QByteArray &bytes, int position, quint64 value) const;
+    bool isAmongExports(quint64 address) const;
     bool isPe() const { return m_content.startsWith("MZ"); }
     bool isWide() const { return m_isWide; }
 

@@ -1,5 +1,7 @@
 #include "LibrarySearch.h"
 
+#include "windowsLibraries.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
@@ -17,155 +19,24 @@ namespace PluginCheck {
 
 namespace {
 
-/// What a Windows of today has in its own folders, as far as plug-ins and Qt use it.
-const char *const windowsLibraries[] = {"activeds",
-                                        "advapi32",
-                                        "advpack",
-                                        "authz",
-                                        "avicap32",
-                                        "avrt",
-                                        "bcrypt",
-                                        "bcryptprimitives",
-                                        "bthprops",
-                                        "cabinet",
-                                        "cfgmgr32",
-                                        "clusapi",
-                                        "comctl32",
-                                        "comdlg32",
-                                        "concrt140",
-                                        "coremessaging",
-                                        "credui",
-                                        "crypt32",
-                                        "cryptbase",
-                                        "cryptui",
-                                        "d2d1",
-                                        "d3d10",
-                                        "d3d10_1",
-                                        "d3d11",
-                                        "d3d12",
-                                        "d3d9",
-                                        "d3dcompiler_47",
-                                        "dbgeng",
-                                        "dbghelp",
-                                        "dcomp",
-                                        "ddraw",
-                                        "dhcpcsvc",
-                                        "dinput8",
-                                        "dnsapi",
-                                        "dsound",
-                                        "dwmapi",
-                                        "dwrite",
-                                        "dxgi",
-                                        "dxva2",
-                                        "evr",
-                                        "fltlib",
-                                        "fwpuclnt",
-                                        "gdi32",
-                                        "gdi32full",
-                                        "gdiplus",
-                                        "glu32",
-                                        "hid",
-                                        "hlink",
-                                        "httpapi",
-                                        "icmp",
-                                        "imagehlp",
-                                        "imm32",
-                                        "iphlpapi",
-                                        "kernel32",
-                                        "kernelbase",
-                                        "ktmw32",
-                                        "loadperf",
-                                        "mf",
-                                        "mfplat",
-                                        "mfreadwrite",
-                                        "mpr",
-                                        "msacm32",
-                                        "mscms",
-                                        "msctf",
-                                        "msdmo",
-                                        "msi",
-                                        "msimg32",
-                                        "msvcp60",
-                                        "msvcp_win",
-                                        "msvcrt",
-                                        "msvfw32",
-                                        "mswsock",
-                                        "ncrypt",
-                                        "netapi32",
-                                        "newdev",
-                                        "normaliz",
-                                        "ntdll",
-                                        "ntdsapi",
-                                        "odbc32",
-                                        "ole32",
-                                        "oleacc",
-                                        "oleaut32",
-                                        "oledlg",
-                                        "opengl32",
-                                        "pdh",
-                                        "powrprof",
-                                        "prntvpt",
-                                        "propsys",
-                                        "psapi",
-                                        "qwave",
-                                        "rasapi32",
-                                        "resutils",
-                                        "rpcrt4",
-                                        "rstrtmgr",
-                                        "sechost",
-                                        "secur32",
-                                        "sensapi",
-                                        "setupapi",
-                                        "sfc",
-                                        "shcore",
-                                        "shell32",
-                                        "shlwapi",
-                                        "slc",
-                                        "snmpapi",
-                                        "sspicli",
-                                        "tapi32",
-                                        "tdh",
-                                        "ucrtbase",
-                                        "uiautomationcore",
-                                        "urlmon",
-                                        "user32",
-                                        "userenv",
-                                        "usp10",
-                                        "uxtheme",
-                                        "version",
-                                        "vssapi",
-                                        "wbemuuid",
-                                        "wdapi",
-                                        "webservices",
-                                        "wer",
-                                        "wevtapi",
-                                        "wiaservc",
-                                        "win32u",
-                                        "windowscodecs",
-                                        "winhttp",
-                                        "wininet",
-                                        "winmm",
-                                        "winscard",
-                                        "winspool.drv",
-                                        "wintrust",
-                                        "wlanapi",
-                                        "wldap32",
-                                        "wmi",
-                                        "ws2_32",
-                                        "wsock32",
-                                        "wtsapi32",
-                                        "xinput1_4",
-                                        "xmllite"};
-
 bool isWindowsLibrary(const QString &name)
 {
+    static const QStringList sorted = QString::fromLatin1(windowsLibraries).split('\n', Qt::SkipEmptyParts);
     QString base = name.toLower();
     if (base.startsWith(QLatin1String("api-ms-win-")) || base.startsWith(QLatin1String("ext-ms-")))
         return true;
     if (base.endsWith(QLatin1String(".dll")))
         base.chop(4);
-    return std::any_of(std::begin(windowsLibraries), std::end(windowsLibraries),
-                       [&](const char *library) { return base == QLatin1String(library); });
+    return std::binary_search(sorted.begin(), sorted.end(), base);
+}
+
+/// Windows has more than anybody lists, but nothing of Qt, of MinGW and of Visual C++'s run-time libraries.
+bool mayBeOfWindows(const QString &name)
+{
+    static const QRegularExpression others(
+        QStringLiteral(R"(^(Qt\d|lib|pluginManger|msvcp1|msvcr\d|vcruntime|concrt))"),
+        QRegularExpression::CaseInsensitiveOption);
+    return !name.contains(others);
 }
 
 const QStringList &defaultDirectories()
@@ -318,7 +189,7 @@ FoundLibrary LibrarySearch::findPe(const QString &needed) const
         return {FoundLibrary::State::Found, path, false};
     if (isWindowsLibrary(needed))
         return {FoundLibrary::State::Found, {}, true};
-    return {};
+    return {mayBeOfWindows(needed) ? FoundLibrary::State::Unknown : FoundLibrary::State::Missing, {}, false};
 }
 
 FoundLibrary LibrarySearch::findElf(const QString &needed, const LibraryFile &file, const QString &path,
