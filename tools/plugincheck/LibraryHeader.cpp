@@ -445,7 +445,7 @@ QByteArray LibraryHeader::withSections(QIODevice &file) const
 
 std::optional<QByteArray> relevantContent(QIODevice &file, qint64 most)
 {
-    constexpr qint64 enoughForHeaders = 4 * 1024 * 1024; // As many segments as there can be.
+    constexpr qint64 enoughForHeaders = qint64(4) * 1024 * 1024; // As many segments as there can be.
     const QByteArray beginning = file.read(enoughForHeaders);
     LibraryFile described;
     const LibraryHeader header(beginning);

@@ -247,7 +247,7 @@ QString LibrarySearch::inDirectory(const QString &directory, const QString &name
     const QString path = directory + '/' + name;
     if (file.isNative) {
         for (const QString &processor : loader().processors) {
-            const QString special = directory + QLatin1String("/glibc-hwcaps/") + processor + '/' + name;
+            QString special = directory + QLatin1String("/glibc-hwcaps/") + processor + '/' + name;
             if (endsSearch(special, file.machine))
                 return special;
         }
