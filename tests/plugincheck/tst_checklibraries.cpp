@@ -52,12 +52,15 @@ private slots:
     void cutOffLibraryIsAlwaysTold_data();
     void cutOffLibraryIsAlwaysTold();
     void oddOneOutIsOfAnotherMachine();
-    void hugeFileIsNotRead();
+    void hugeFileIsReadWhereItCounts();
+    void sectionsFarBehindAreFound();
     void toolsAreLookedForWhereQtDoes();
     void neededLibrariesAreLookedForWhereTheLoaderDoes();
     void fileIsTheOneThatQtFinds_data();
     void fileIsTheOneThatQtFinds();
     void nameWithAFolderIsLeftOut();
+    void managerThatIsNotFoundIsLeftOut_data();
+    void managerThatIsNotFoundIsLeftOut();
 
 private:
     Report check(const QVector<Library> &libraries, Set set, const QStringList &directories = {});
@@ -186,8 +189,6 @@ void tst_CheckLibraries::findsFault_data()
             {view, checked + "/needy/Graphic_View.dll",
              [](QByteArray content) { return content.replace("libprivate.so", QByteArray(13, '\0')); }},
             "symbol-missing");
-        row("functions of a manager that is nowhere", {view, checked + "/of_manager/Graphic_View.dll"},
-            "symbol-missing");
     }
 #ifdef HAS_PE_FIXTURES
     row("DLL with a variable instead of a factory", {view, checked + "/pe_data_factory/Graphic_View.dll"},
@@ -199,6 +200,10 @@ void tst_CheckLibraries::findsFault_data()
         {view, checked + "/pe/Graphic_View.dll", [](QByteArray content) { return content.left(1000); }},
         "library-truncated");
     row("DLL without what it needs", {view, checked + "/pe/Graphic_View.dll"}, "needed-missing");
+    row("DLL that needs one that may be of Windows", {view, checked + "/pe_unknown/Graphic_View.dll"},
+        "needed-unknown");
+    row("DLL that passes on to what is nowhere", {view, checked + "/pe_forwarding/Graphic_View.dll"},
+        "factory-missing");
     row("DLL with an older helper", {view, checked + "/pe_helped/Graphic_View.dll"}, "symbol-missing",
         Set::Cam, {checked + "/pe_older"});
 #endif
@@ -271,6 +276,9 @@ void tst_CheckLibraries::acceptsTwin_data()
     row("DLL with a library that it needs", {"Graphic_View", checked + "/pe_indirect/Graphic_View.dll"},
         Set::Cam, {checked + "/pe_using_newer", checked + "/pe_newer"});
     row("DLL", {"Graphic_View", checked + "/pe/Graphic_View.dll"}, Set::Cam, {checked + "/pe"});
+    row("DLL that needs one of Windows", {"Graphic_View", checked + "/pe_known/Graphic_View.dll"});
+    row("DLL that passes on", {"Graphic_View", checked + "/pe_forwarding/Graphic_View.dll"}, Set::Cam,
+        {checked + "/pe_newer"});
     row("DLL with its helper", {"Graphic_View", checked + "/pe_helped/Graphic_View.dll"}, Set::Cam,
         {checked + "/pe_newer"});
 #endif
@@ -398,16 +406,60 @@ void tst_CheckLibraries::oddOneOutIsOfAnotherMachine()
 #endif
 }
 
-/// It takes no place on the disk, as it is one hole.
-void tst_CheckLibraries::hugeFileIsNotRead()
+/// They take no place on the disk, as they are mostly holes.
+void tst_CheckLibraries::hugeFileIsReadWhereItCounts()
 {
+    const qint64 huge = 1024 * 1024 * 1024 + qint64(1);
     const QTemporaryDir directory;
     const QString file = directory.filePath("Graphic_View.dll");
-    TestFiles::write(file, "x");
-    QVERIFY(QFile::resize(file, 1024 * 1024 * 1024 + qint64(1)));
-    const Report report = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
-    QCOMPARE(found(report), QStringList{"library-unreadable Graphic_View"});
-    QCOMPARE(report.findings().first().message, QStringLiteral("It is larger than 1 GiB."));
+    const auto grow = [&](const QByteArray &content) {
+        TestFiles::write(file, content);
+        QVERIFY(QFile::resize(file, huge));
+    };
+    grow("x");
+    QCOMPARE(found(check({{"Graphic_View", {}}}, Set::Cam, {directory.path()})),
+             QStringList{"library-format Graphic_View"});
+
+    const QByteArray content = TestFiles::read(good);
+    grow(content);
+    const Report padded = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
+    QCOMPARE(found(padded), QStringList());
+    QCOMPARE(padded.leftOut(), QStringList());
+
+    const auto length = quint64(huge);
+    constexpr int lengthOfFirstSegment = 64 + 32;
+    grow(QByteArray(content).replace(lengthOfFirstSegment, 8, reinterpret_cast<const char *>(&length), 8));
+    const Report full = check({{"Graphic_View", {}}}, Set::Cam, {directory.path()});
+    QCOMPARE(found(full), QStringList());
+    QCOMPARE(full.leftOut(),
+             QStringList{file + ": It is too large to be checked: more than 1 GiB of it counts."});
+}
+
+/// As where tables for debuggers lie between them and what is loaded.
+void tst_CheckLibraries::sectionsFarBehindAreFound()
+{
+    const QByteArray content = TestFiles::read(tool);
+    const LibraryFile near = readLibrary(content);
+    QVERIFY(near.exportsAreComplete && near.isQtPlugin);
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("File_Process.dll");
+    TestFiles::write(path, content);
+    const quint64 hole = quint64(1024) * 1024 * 1024;
+    const quint64 before = qFromLittleEndian<quint64>(content.constData() + 40);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const quint64 after = before + hole;
+    QVERIFY(file.seek(40) && file.write(reinterpret_cast<const char *>(&after), 8) == 8);
+    QVERIFY(file.seek(qint64(after)) && file.write(content.mid(int(before))) > 0);
+    file.close();
+
+    const LibraryFile far = readLibrary(path);
+    QCOMPARE(far.problem, LibraryFile::Problem::None);
+    QVERIFY(far.exportsAreComplete);
+    QVERIFY(far.isQtPlugin);
+    QCOMPARE(far.qtPluginVersion, near.qtPluginVersion);
+    QVERIFY(far.exports == near.exports);
+    QCOMPARE(far.imports.size(), near.imports.size());
 }
 
 void tst_CheckLibraries::toolsAreLookedForWhereQtDoes()
@@ -487,6 +539,28 @@ void tst_CheckLibraries::nameWithAFolderIsLeftOut()
     const Report ofTool = checkIn({}, {directory.path()}, Set::Desktop, {"sub/Graphic_View"});
     QCOMPARE(ofTool.configurations.first().plugins.first().library,
              directory.filePath("sub/Graphic_View.dll"));
+}
+
+/// The host has it already, and need not find it where it finds plug-ins.
+void tst_CheckLibraries::managerThatIsNotFoundIsLeftOut_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("left to the host") << "of_manager";
+    QTest::newRow("linked to it") << "linked_to_manager";
+}
+
+void tst_CheckLibraries::managerThatIsNotFoundIsLeftOut()
+{
+    QFETCH(QString, folder);
+    const QString file = QStringLiteral(CHECKED_DIR "/%1/Graphic_View.dll").arg(folder);
+    const Report without = check({{"Graphic_View", file}}, Set::Cam);
+    QCOMPARE(found(without), QStringList());
+    QCOMPARE(without.leftOut(),
+             QStringList{"What plug-ins use of the manager's library was not looked at, as it was not found: "
+                         "name its folder by --library-dir."});
+    const Report with = check({{"Graphic_View", file}}, Set::Cam, {QStringLiteral(MANAGER_DIR)});
+    QCOMPARE(found(with), QStringList());
+    QCOMPARE(with.leftOut(), QStringList());
 }
 
 int main(int argc, char **argv)

@@ -2,24 +2,38 @@
 #include "testmain.h"
 
 #include <QtCore/QJsonDocument>
+#include <QtCore/QLibraryInfo>
 #include <QtCore/QTemporaryDir>
 
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 
 namespace {
 
+/// Which program is called, and what it finds.
+struct Surroundings
+{
+    QString program = QStringLiteral(PLUGINCHECK);
+    QString variable = {};
+    QString value = {};
+};
+
 /// What the program says of a set, as its JSON report.
 QJsonObject probe(const QString &configuration, const QStringList &directories, const QStringList &options,
-                  int *exitCode)
+                  int *exitCode, const Surroundings &surroundings = {})
 {
     QStringList arguments{configuration, "--format", "json", "--probe"};
     for (const QString &directory : directories)
         arguments << "--library-dir" << directory;
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("ASAN_OPTIONS", "detect_leaks=0:handle_segv=0:handle_abort=0");
+    environment.insert("ASAN_OPTIONS",
+                       "detect_leaks=0:handle_segv=0:handle_abort=0:verify_asan_link_order=0");
+    if (!surroundings.variable.isEmpty())
+        environment.insert(surroundings.variable, surroundings.value);
     process.setProcessEnvironment(environment);
-    process.start(PLUGINCHECK, arguments + options);
+    process.start(surroundings.program, arguments + options);
     process.waitForFinished(60000);
     *exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
@@ -59,6 +73,14 @@ QStringList codes(const QJsonObject &report)
     return all;
 }
 
+QStringList leftOut(const QJsonObject &report)
+{
+    QStringList all;
+    for (const QJsonValue &what : report["leftOut"].toArray())
+        all.append(what.toString());
+    return all;
+}
+
 }
 
 /// What is said of libraries that are loaded in processes of their own.
@@ -76,6 +98,13 @@ private slots:
     void loadsTheToolOfTheFirstFolder();
     void libraryPathsAreNoneOfTheLoader();
     void managerIsLoadedAsInAHost();
+    void managerThatIsNotFoundIsNoFault_data();
+    void managerThatIsNotFoundIsNoFault();
+    void processThatIsNotReadyIsNoFault_data();
+    void processThatIsNotReadyIsNoFault();
+    void noPlaceForTemporaryFilesIsNoFault();
+    void whatLoadsIsNotCalledUnloadable();
+    void progressShowsNoNameAsItIs();
     void findingsComeInTheOrderOfTheList();
     void whatALibraryStartsEndsWithIt();
     void nothingIsLeftOfAProbeThatIsEnded_data();
@@ -246,6 +275,124 @@ void tst_CheckProbe::managerIsLoadedAsInAHost()
         probe(configuration, {CHECKED_DIR "/of_manager", MANAGER_DIR}, {"--set", "cam"}, &exitCode);
     QCOMPARE(codes(report), QStringList());
     QCOMPARE(report["configurations"][0]["plugins"][0]["probe"]["result"].toString(), QString("loaded"));
+}
+
+void tst_CheckProbe::managerThatIsNotFoundIsNoFault_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("left to the host") << "of_manager";
+    QTest::newRow("linked to it") << "linked_to_manager";
+}
+
+void tst_CheckProbe::managerThatIsNotFoundIsNoFault()
+{
+    QFETCH(QString, folder);
+    const QString configuration = m_directory.filePath("manager.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {CHECKED_DIR "/" + folder}, {"--set", "cam"}, &exitCode);
+    QCOMPARE(codes(report), QStringList());
+    QVERIFY(leftOut(report).contains("Graphic_View was not probed: it uses the manager's library, which was "
+                                     "not found. Name its folder by --library-dir."));
+    QVERIFY(report["configurations"][0]["plugins"][0]["probe"].isUndefined());
+    QCOMPARE(exitCode, 0);
+}
+
+void tst_CheckProbe::processThatIsNotReadyIsNoFault_data()
+{
+    QTest::addColumn<QString>("platform");
+    QTest::addColumn<QString>("result");
+    QTest::newRow("no platform") << ""
+                                 << "";
+    QTest::newRow("minimal platform alone") << "minimal"
+                                            << "loaded";
+    QTest::newRow("offscreen platform alone") << "offscreen"
+                                              << "loaded";
+}
+
+/// As with a host's own Qt that has not all of its plug-ins.
+void tst_CheckProbe::processThatIsNotReadyIsNoFault()
+{
+    QFETCH(QString, platform);
+    QFETCH(QString, result);
+    const QTemporaryDir own;
+    QVERIFY(QDir(own.path()).mkpath("plugins/platforms"));
+    const QString file = QStringLiteral("platforms/libq%1.so").arg(platform);
+    if (!platform.isEmpty())
+        QVERIFY(QFile::link(QLibraryInfo::location(QLibraryInfo::PluginsPath) + '/' + file,
+                            own.filePath("plugins/" + file)));
+    QVERIFY(QFile::copy(PLUGINCHECK, own.filePath("plugincheck")));
+    TestFiles::write(own.filePath("qt.conf"), "[Paths]\nPlugins=" + own.filePath("plugins").toUtf8() + '\n');
+    const QString configuration = m_directory.filePath("platform.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {CHECKED_DIR "/good"}, {"--set", "cam"}, &exitCode,
+                                     {own.filePath("plugincheck")});
+    QCOMPARE(codes(report), QStringList());
+    QCOMPARE(report["configurations"][0]["plugins"][0]["probe"]["result"].toString(), result);
+    const QString said = leftOut(report).join('\n');
+    QCOMPARE(
+        said.startsWith("Libraries were not probed: the process for it crashed before the load, signal 6, "),
+        platform.isEmpty());
+    QCOMPARE(said.contains(" It wrote: "), platform.isEmpty());
+    QCOMPARE(exitCode, 0);
+}
+
+void tst_CheckProbe::noPlaceForTemporaryFilesIsNoFault()
+{
+    const QString configuration = m_directory.filePath("nowhere.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    int exitCode = -1;
+    const QJsonObject report = probe(configuration, {CHECKED_DIR "/good"}, {"--set", "cam"}, &exitCode,
+                                     {PLUGINCHECK, "TMPDIR", "/proc"});
+    QCOMPARE(codes(report), QStringList());
+    const QString said = leftOut(report).join('\n');
+    QVERIFY2(said.startsWith("Libraries were not probed, as there is no place for temporary files: "),
+             qPrintable(said));
+    QCOMPARE(exitCode, 0);
+}
+
+/// What it needs is in the process already, for a reason that the file does not tell.
+void tst_CheckProbe::whatLoadsIsNotCalledUnloadable()
+{
+    const QString configuration = m_directory.filePath("preloaded.json");
+    TestFiles::write(configuration, TestFiles::configOf({"Graphic_View"}));
+    const QStringList folders{CHECKED_DIR "/needy"};
+    int exitCode = -1;
+    const QJsonObject without = probe(configuration, folders, {"--set", "cam"}, &exitCode);
+    QCOMPARE(codes(without), (QStringList{"needed-missing", "probe-failed"}));
+    QCOMPARE(exitCode, 1);
+    const QJsonObject with = probe(configuration, folders, {"--set", "cam"}, &exitCode,
+                                   {PLUGINCHECK, "LD_PRELOAD", CHECKED_DIR "/private/libprivate.so"});
+    QCOMPARE(codes(with), QStringList());
+    QCOMPARE(leftOut(with), QStringList{"needed-missing of Graphic_View, which loaded when it was probed."});
+    QCOMPARE(with["configurations"][0]["plugins"][0]["state"].toString(), QString("good"));
+    QCOMPARE(exitCode, 0);
+}
+
+/// A name can have what a terminal takes for a command.
+void tst_CheckProbe::progressShowsNoNameAsItIs()
+{
+    const QString name = QStringLiteral("Own_\u009b31mView");
+    const QString folder = m_directory.filePath("progress");
+    QVERIFY(QDir().mkpath(folder));
+    QVERIFY(QFile::copy(CHECKED_DIR "/good/Graphic_View.dll", folder + '/' + name + ".dll"));
+    const QString configuration = m_directory.filePath("progress.json");
+    TestFiles::write(configuration, TestFiles::configOf({name}));
+    QFile terminal;
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    QVERIFY(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+    QVERIFY(terminal.open(master, QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle));
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LC_ALL", "C.UTF-8");
+    process.setProcessEnvironment(environment);
+    process.setStandardErrorFile(QString::fromLocal8Bit(ptsname(master)));
+    process.start(PLUGINCHECK, {configuration, "--set", "cam", "--library-dir", folder, "--probe"});
+    QVERIFY(process.waitForFinished(60000));
+    const QByteArray shown = terminal.read(4096);
+    QVERIFY2(shown.contains("Probing 1 of 1: Own_"), shown.constData());
+    QVERIFY2(!shown.contains(QStringLiteral("\u009b").toUtf8()), shown.constData());
 }
 
 /// The first library takes longest to crash.

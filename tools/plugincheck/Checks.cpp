@@ -112,7 +112,7 @@ constexpr std::array checks{
     Check{Code::LibraryCase, "library-case", error, "The library's file is spelled with other capitals",
           "On Linux this is another name, and the file is not found. Windows finds it."},
     Check{Code::LibraryUnreadable, "library-unreadable", error, "The library's file cannot be read",
-          "It may not be read, or is larger than 1 GiB, or is no file."},
+          "It may not be read, or is no file."},
     Check{Code::LibraryFormat, "library-format", error, "The file is no library",
           "The file has the name of a library, but is neither an ELF shared object nor a PE DLL, or one that "
           "the loader of Linux refuses: a program, or a library that was linked with -z nodlopen."},
@@ -140,6 +140,10 @@ constexpr std::array checks{
           "metadata or without an instance."},
     Check{Code::NeededMissing, "needed-missing", error, "A library that this one needs cannot be found",
           "The load fails. On Windows the reason in the log does not say which library is missing."},
+    Check{
+        Code::NeededUnknown, "needed-unknown", warning, "A DLL that this one needs may be missing",
+        "It is in none of the folders, and is not known as one of those that Windows brings. If it is one of "
+        "these, all is well; if not, the load fails."},
     Check{
         Code::SymbolMissing, "symbol-missing", error, "A function that the library uses is nowhere",
         "None of the libraries that this one needs has the function or variable, nor one that each host has "

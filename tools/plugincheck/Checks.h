@@ -43,6 +43,7 @@ enum class Code {
     EntryPointMissing,
     QtPluginMissing,
     NeededMissing,
+    NeededUnknown,
     SymbolMissing,
     SymbolVersion,
     QtVersion,

@@ -40,9 +40,6 @@ const QString failsToLoad =
     QStringLiteral("The load fails: the manager logs the loader's reason, shows a message "
                    "box, and goes on.");
 
-/// Each host has it loaded, so that plug-ins may use it without being linked to it.
-constexpr char managerLibrary[] = PLUGINCHECK_MANAGER_LIBRARY;
-
 /// The manager looks at the file of a plug-in before it is loaded, and not at what that one needs.
 const QString mayEndHost =
     QStringLiteral("The load fails, or ends the host when the missing part is touched.");
@@ -120,6 +117,16 @@ bool isOfSanitizer(const std::string &symbol)
     return false;
 }
 
+using Symbols = std::vector<ImportedSymbol>;
+
+QString textOf(const ImportedSymbol &symbol)
+{
+    const QString name = QString::fromStdString(symbol.name);
+    return symbol.version.empty()
+               ? name
+               : QStringLiteral("%1 (version %2)").arg(name, QString::fromStdString(symbol.version));
+}
+
 /// The checks of the libraries of one call.
 class LibraryCheck
 {
@@ -127,8 +134,6 @@ public:
     LibraryCheck(const LibrarySearch &search, Report &report)
         : m_search(search)
         , m_report(report)
-        , m_nearLibraries(search.libraries().fileNames())
-        , m_nearTools(search.tools().fileNames())
     {
     }
 
@@ -137,12 +142,16 @@ public:
 private:
     bool isLookedFor(const Configuration &configuration, const QString &name);
     const Folders &foldersOf(Set set) const;
-    QString fileOf(const QString &fileName, Set set) const;
+    QStringList filesOf(const QString &fileName, Set set) const;
+    QString fileThatLoads(const Candidate &candidate, const QStringList &files) const;
+    void findUsualKind(const QVector<Candidate> &candidates);
     bool locate(Candidate &candidate);
     void addMissing(const Candidate &candidate, const QString &fileName);
     bool checkFile(const Candidate &candidate);
     void checkMachines(const QVector<Candidate> &candidates);
     void checkContents(const Candidate &candidate);
+    bool isForwardedNowhere(const LibraryFile &file, const std::string &symbol,
+                            const Candidate &candidate) const;
     void checkExports(const Candidate &candidate, const QVector<Needed> &needed);
     void addFactoryMissing(const Candidate &candidate, const QByteArray &factory);
     void checkNeeded(const Candidate &candidate, QVector<Needed> &needed, bool &complete);
@@ -151,12 +160,14 @@ private:
     void checkPeSymbols(const Candidate &candidate, const QVector<Needed> &needed);
     void checkPeSymbolsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
                           const QVector<Needed> &needed);
-    void removeResolved(std::vector<std::string> &symbols, const LibraryFile &file, const QString &path,
+    void removeResolved(Symbols &symbols, const LibraryFile &file, const QString &path,
                         const QStringList &needed) const;
-    const std::vector<std::string> &unresolvedOf(const QString &path);
-    void addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
-                           const QString &message);
+    const Symbols &unresolvedOf(const QString &path);
+    void leaveOutManager();
+    void addSymbolsMissing(const Candidate &candidate, Symbols symbols, const QString &message);
     void checkVersions(const Candidate &candidate, const QVector<Needed> &needed);
+    void checkVersionsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
+                         const QVector<Needed> &needed);
     void checkQt(const Candidate &candidate, const QVector<Needed> &needed);
     void checkStamp(const Candidate &candidate);
     void checkBuilds(const QVector<Candidate> &candidates);
@@ -166,10 +177,11 @@ private:
 
     const LibrarySearch &m_search;
     Report &m_report;
-    NearNames m_nearLibraries;
-    NearNames m_nearTools;
+    std::unique_ptr<NearNames> m_nearLibraries;
+    std::unique_ptr<NearNames> m_nearTools;
     int m_searches = 0;
-    QHash<QString, std::vector<std::string>> m_unresolved;
+    LibraryKind m_usualKind;
+    QHash<QString, Symbols> m_unresolved;
 };
 
 void LibraryCheck::run(const QVector<Configuration> &configurations)
@@ -187,6 +199,7 @@ void LibraryCheck::run(const QVector<Configuration> &configurations)
             candidates.append({&configuration, &entry, &result, {}, nullptr});
         }
     }
+    findUsualKind(candidates);
     QVector<Candidate> readable;
     for (Candidate &candidate : candidates) {
         if (locate(candidate) && checkFile(candidate))
@@ -234,27 +247,105 @@ const Folders &LibraryCheck::foldersOf(Set set) const
     return set == Set::Desktop ? m_search.tools() : m_search.libraries();
 }
 
-/// Finds the file by the names that Qt tries, in the order in which it does: QPluginLoader tries all of them
-/// in a folder, QLibrary has the loader look for each in all folders.
-QString LibraryCheck::fileOf(const QString &fileName, Set set) const
+QString withPrefix(const QString &fileName)
+{
+    return QString(fileName).insert(fileName.lastIndexOf('/') + 1, QLatin1String("lib"));
+}
+
+/// The names that QPluginLoader looks for in a folder.
+QStringList namesOfTool(const QString &fileName)
+{
+    const QLatin1String suffix(".so");
+    return {fileName, fileName + suffix, withPrefix(fileName), withPrefix(fileName) + suffix};
+}
+
+/// The names that QLibrary gives the loader one after the other.
+QStringList namesOfLibrary(const QString &fileName)
+{
+    const QLatin1String suffix(".so");
+    QStringList names{fileName + suffix, fileName};
+    if (!QFileInfo(fileName).fileName().startsWith(QLatin1String("lib")))
+        names = QStringList{withPrefix(fileName) + suffix, withPrefix(fileName)} + names;
+    if (fileName.startsWith('/'))
+        std::reverse(names.begin(), names.end());
+    return names;
+}
+
+/// Returns the files that Qt tries until one loads. QPluginLoader tries all names in a folder, and takes the
+/// first file there is; QLibrary has the loader look for each name in all folders.
+QStringList LibraryCheck::filesOf(const QString &fileName, Set set) const
 {
     const Folders &folders = foldersOf(set);
-    const int slash = int(fileName.lastIndexOf('/')) + 1;
-    const QString base = fileName.mid(slash);
-    const QString withPrefix = fileName.left(slash) + QLatin1String("lib") + base;
-    const QLatin1String suffix(".so");
-    QString found;
-    if (set == Set::Desktop) {
-        found = folders.exactFile({fileName, fileName + suffix, withPrefix, withPrefix + suffix});
-    } else {
-        QStringList names{fileName + suffix, fileName};
-        if (!base.startsWith(QLatin1String("lib")))
-            names = QStringList{withPrefix + suffix, withPrefix} + names;
-        for (int i = 0; i < names.size() && found.isEmpty(); ++i)
-            found = folders.exactFile({names.at(i)});
-    }
+    const auto onlyFile = [&folders](const QStringList &names) {
+        const QString file = folders.exactFile(names);
+        return file.isEmpty() ? QStringList() : QStringList{file};
+    };
     // Windows has none of these prefixes and suffixes.
-    return formatOfFile(found) == LibraryFile::Format::Pe ? folders.exactFile({fileName}) : found;
+    if (m_usualKind.format == LibraryFile::Format::Pe && !onlyFile({fileName}).isEmpty())
+        return onlyFile({fileName});
+    if (set == Set::Desktop)
+        return onlyFile(namesOfTool(fileName));
+    QStringList files;
+    for (const QString &name : namesOfLibrary(fileName)) {
+        const QStringList all = folders.everyFile(name);
+        const auto taken = std::find_if(all.begin(), all.end(), [&](const QString &file) {
+            return m_search.endsSearch(file, m_usualKind.machine);
+        });
+        if (taken != all.end())
+            files.append(*taken);
+    }
+    return files.isEmpty() ? onlyFile(namesOfLibrary(fileName)) : files;
+}
+
+/// The machine of most plug-ins is taken for the one that the set is for, with all files counted that any
+/// loader could take; of equals the one of this machine.
+void LibraryCheck::findUsualKind(const QVector<Candidate> &candidates)
+{
+    QVector<QPair<LibraryKind, int>> counts;
+    const auto count = [&counts](const LibraryKind &kind) {
+        const auto known = std::find_if(counts.begin(), counts.end(),
+                                        [&](const auto &candidate) { return candidate.first == kind; });
+        if (known == counts.end())
+            counts.append({kind, 1});
+        else
+            ++known->second;
+    };
+    for (const Candidate &candidate : candidates) {
+        const Folders &folders = foldersOf(candidate.configuration->set);
+        QVector<LibraryKind> kinds;
+        for (const QString &name : namesOfTool(candidate.entry->name + QLatin1String(".dll"))) {
+            for (const QString &file : folders.everyFile(name)) {
+                const LibraryKind &kind = m_search.kindOf(file);
+                if (kind.format != LibraryFile::Format::None && !kinds.contains(kind))
+                    kinds.append(kind);
+            }
+        }
+        std::for_each(kinds.begin(), kinds.end(), count);
+    }
+    const LibraryKind own = LibraryKind{nativeFormat, nativeMachine()};
+    const auto usual =
+        std::max_element(counts.begin(), counts.end(), [&](const auto &left, const auto &right) {
+            return left.second != right.second ? left.second < right.second : right.first == own;
+        });
+    m_usualKind = usual == counts.end() ? own : usual->first;
+}
+
+/// Returns the first that nothing is known against, or else the last one, of which the manager's log tells.
+QString LibraryCheck::fileThatLoads(const Candidate &candidate, const QStringList &files) const
+{
+    for (const QString &file : files.mid(0, files.size() - 1)) {
+        Report report;
+        LibraryCheck check(m_search, report);
+        Candidate attempt = candidate;
+        attempt.path = file;
+        attempt.file = std::make_shared<const LibraryFile>(readLibrary(file));
+        if (check.checkFile(attempt) && knowsLibraries())
+            check.checkContents(attempt);
+        if (std::none_of(report.findings().begin(), report.findings().end(),
+                         [](const Finding &finding) { return isRefusal(finding.code); }))
+            return file;
+    }
+    return files.last();
 }
 
 /// Finds and reads the file.
@@ -262,7 +353,9 @@ bool LibraryCheck::locate(Candidate &candidate)
 {
     const QString fileName = candidate.entry->name + QLatin1String(".dll");
     const Set set = candidate.configuration->set;
-    candidate.path = fileOf(fileName, set);
+    const QStringList files = filesOf(fileName, set);
+    if (!files.isEmpty())
+        candidate.path = fileThatLoads(candidate, files);
     if (candidate.path.isEmpty()) {
         const QString similar = foldersOf(set).similarFile(fileName);
         if (similar.isEmpty()) {
@@ -290,8 +383,12 @@ void LibraryCheck::addMissing(const Candidate &candidate, const QString &fileNam
     const bool isTool = candidate.configuration->set == Set::Desktop;
     QStringList near;
     constexpr int mostSearches = 200; // Each is a pass over all file names.
-    if (m_searches++ < mostSearches)
-        near = (isTool ? m_nearTools : m_nearLibraries).of(fileName, 3);
+    if (m_searches++ < mostSearches) {
+        std::unique_ptr<NearNames> &names = isTool ? m_nearTools : m_nearLibraries;
+        if (!names)
+            names = std::make_unique<NearNames>(foldersOf(candidate.configuration->set).fileNames());
+        near = names->of(fileName, 3);
+    }
     add(Code::LibraryMissing, candidate,
         QStringLiteral("There is no file \"%1\" in %2.")
             .arg(fileName, foldersOf(candidate.configuration->set).directories().join(QStringLiteral(", "))),
@@ -312,6 +409,9 @@ bool LibraryCheck::checkFile(const Candidate &candidate)
     case LibraryFile::Problem::Unreadable:
         add(Code::LibraryUnreadable, candidate, file.detail, failsToLoad,
             QStringLiteral("Look at the file and its permissions."));
+        break;
+    case LibraryFile::Problem::TooLarge:
+        m_report.leaveOut(candidate.path + QStringLiteral(": ") + file.detail);
         break;
     case LibraryFile::Problem::NoLibrary:
         add(Code::LibraryFormat, candidate, file.detail, failsToLoad, anew);
@@ -385,6 +485,14 @@ const LibraryFile *definitionOf(const std::string &symbol, const LibraryFile &fi
     return nullptr;
 }
 
+bool LibraryCheck::isForwardedNowhere(const LibraryFile &file, const std::string &symbol,
+                                      const Candidate &candidate) const
+{
+    const auto forward = file.forwards.find(symbol);
+    return forward != file.forwards.end()
+           && m_search.find(forward->second, file, candidate.path, {}).state != FoundLibrary::State::Found;
+}
+
 void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed> &needed)
 {
     const LibraryFile &file = *candidate.file;
@@ -421,6 +529,12 @@ void LibraryCheck::checkExports(const Candidate &candidate, const QVector<Needed
         const LibraryFile *const maker = definitionOf(symbol, file, needed, m_search);
         if (!maker) {
             addFactoryMissing(candidate, factory);
+        } else if (isForwardedNowhere(*maker, symbol, candidate)) {
+            add(Code::FactoryMissing, candidate,
+                QStringLiteral("The library exports %1 as a function of %2, which cannot be found.")
+                    .arg(QString::fromLatin1(factory), maker->forwards.at(symbol)),
+                QStringLiteral("The operation for it returns null, and nothing is logged."),
+                QStringLiteral("Put that library beside the program, or name its folder by --library-dir."));
         } else if (maker->data.count(symbol) > 0) {
             add(Code::FactoryMissing, candidate,
                 QStringLiteral("The library exports %1, but as data, not as a function.")
@@ -449,8 +563,8 @@ void LibraryCheck::addFactoryMissing(const Candidate &candidate, const QByteArra
     const QByteArray microsoft = '?' + factory + "@@";
     QStringList functions;
     bool isMangled = false;
-    for (const std::string &symbol : candidate.file->exports) {
-        const QByteArray name = QByteArray::fromRawData(symbol.data(), int(symbol.size()));
+    for (const auto &symbol : candidate.file->exports) {
+        const QByteArray name = QByteArray::fromRawData(symbol.first.data(), int(symbol.first.size()));
         isMangled = isMangled || name.startsWith(itanium) || name.startsWith(microsoft);
         if (name.startsWith("Get") || name.startsWith("get"))
             functions.append(QString::fromLatin1(name));
@@ -491,6 +605,10 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
                 continue;
             seen.insert(name);
             const FoundLibrary found = m_search.find(name, *step.file, step.path, step.inherited);
+            if (found.state == FoundLibrary::State::Missing && isOfManager(name)) {
+                leaveOutManager();
+                continue;
+            }
             if (found.state == FoundLibrary::State::Missing) {
                 complete = false;
                 add(Code::NeededMissing, candidate,
@@ -502,6 +620,16 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
                         ? QStringLiteral("Put it beside the program, or name its folder by --library-dir.")
                         : QStringLiteral(
                             "Ship it, or name its folder by --library-dir if the host finds it."));
+                continue;
+            }
+            if (found.state == FoundLibrary::State::Unknown
+                && candidate.file->format == LibraryFile::Format::Pe) {
+                add(Code::NeededUnknown, candidate,
+                    QStringLiteral("It needs %1, which is in no folder, and not known as one of Windows.")
+                        .arg(step.way.isEmpty() ? name : step.way + QStringLiteral(", which needs ") + name),
+                    failsToLoad,
+                    QStringLiteral("If Windows does not have it, put it beside the program, or name its "
+                                   "folder by --library-dir."));
                 continue;
             }
             if (found.state == FoundLibrary::State::Unknown) {
@@ -518,10 +646,19 @@ void LibraryCheck::checkNeeded(const Candidate &candidate, QVector<Needed> &need
             if (found.isSystem)
                 continue;
             const LibraryFile &file = m_search.read(found.path);
-            if (file.problem != LibraryFile::Problem::None) {
+            if (file.problem == LibraryFile::Problem::TooLarge) {
+                complete = false;
+                m_report.leaveOut(found.path + QStringLiteral(": ") + file.detail);
+                continue;
+            }
+            const bool isAlike = file.format == candidate.file->format;
+            if (file.problem != LibraryFile::Problem::None || !isAlike) {
                 complete = false;
                 add(Code::NeededMissing, candidate,
-                    QStringLiteral("It needs %1, and that file is no good: %2").arg(found.path, file.detail),
+                    QStringLiteral("It needs %1, and that file is no good: %2")
+                        .arg(found.path, file.detail.isEmpty()
+                                             ? QStringLiteral("It is a library for another system.")
+                                             : file.detail),
                     file.problem == LibraryFile::Problem::Truncated ? mayEndHost : failsToLoad,
                     QStringLiteral("Build or copy that file anew."));
                 continue;
@@ -544,27 +681,27 @@ void LibraryCheck::checkSymbols(const Candidate &candidate, const QVector<Needed
 }
 
 /// What a library cannot do without, and does not have itself.
-std::vector<std::string> importsOf(const LibraryFile &file)
+Symbols importsOf(const LibraryFile &file)
 {
-    std::vector<std::string> symbols;
+    Symbols symbols;
     for (const ImportedSymbol &symbol : file.imports) {
-        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && file.exports.count(symbol.name) == 0)
-            symbols.push_back(symbol.name);
+        if (!symbol.isWeak && !isOfSanitizer(symbol.name) && !file.provides(symbol))
+            symbols.push_back(symbol);
     }
     return symbols;
 }
 
-void removeExported(std::vector<std::string> &symbols, const LibraryFile &file)
+void removeExported(Symbols &symbols, const LibraryFile &file)
 {
     symbols.erase(std::remove_if(symbols.begin(), symbols.end(),
-                                 [&](const std::string &symbol) { return file.exports.count(symbol) > 0; }),
+                                 [&](const ImportedSymbol &symbol) { return file.provides(symbol); }),
                   symbols.end());
 }
 
 /// Takes those symbols out that the libraries have which a file needs, then those that each host has loaded,
 /// and what these need in turn. Takes out all if one of them cannot be read.
-void LibraryCheck::removeResolved(std::vector<std::string> &symbols, const LibraryFile &file,
-                                  const QString &path, const QStringList &needed) const
+void LibraryCheck::removeResolved(Symbols &symbols, const LibraryFile &file, const QString &path,
+                                  const QStringList &needed) const
 {
     QStringList paths;
     QSet<QString> seen;
@@ -580,10 +717,8 @@ void LibraryCheck::removeResolved(std::vector<std::string> &symbols, const Libra
     for (int i = 0; !symbols.empty(); ++i) {
         if (i == paths.size() && !hostIsAdded) {
             hostIsAdded = true;
-            for (const char *library :
-                 {"libQt5Core.so.5", "libQt5Gui.so.5", "libQt5Widgets.so.5", "libglog.so.1", "libstdc++.so.6",
-                  "libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2", managerLibrary})
-                enqueue(m_search.find(QString::fromLatin1(library), file, path, {}).path);
+            for (const QString &library : librariesOfHosts())
+                enqueue(m_search.find(library, file, path, {}).path);
         }
         if (i == paths.size())
             return;
@@ -598,13 +733,13 @@ void LibraryCheck::removeResolved(std::vector<std::string> &symbols, const Libra
 }
 
 /// What a library uses that neither it has, nor what it needs, nor what each host has loaded.
-const std::vector<std::string> &LibraryCheck::unresolvedOf(const QString &path)
+const Symbols &LibraryCheck::unresolvedOf(const QString &path)
 {
     const auto known = m_unresolved.constFind(path);
     if (known != m_unresolved.constEnd())
         return *known;
     const LibraryFile &file = m_search.read(path);
-    std::vector<std::string> symbols = importsOf(file);
+    Symbols symbols = importsOf(file);
     removeResolved(symbols, file, path, {path});
     return *m_unresolved.insert(path, symbols);
 }
@@ -614,7 +749,7 @@ void LibraryCheck::checkElfSymbols(const Candidate &candidate, const QVector<Nee
     QStringList paths;
     for (const Needed &library : needed)
         paths.append(library.path);
-    std::vector<std::string> missing = importsOf(*candidate.file);
+    Symbols missing = importsOf(*candidate.file);
     removeResolved(missing, *candidate.file, candidate.path, paths);
     addSymbolsMissing(candidate, missing,
                       QStringLiteral("It uses what none of the libraries that it needs has"));
@@ -646,27 +781,43 @@ void LibraryCheck::checkPeSymbolsOf(const LibraryFile &user, const QString &who,
 {
     for (const Needed &library : needed) {
         const LibraryFile &file = m_search.read(library.path);
-        std::vector<std::string> missing;
+        Symbols missing;
         for (const ImportedSymbol &symbol : user.imports) {
             if (symbol.library.compare(library.name, Qt::CaseInsensitive) == 0
                 && file.exports.count(symbol.name) == 0)
-                missing.push_back(symbol.name);
+                missing.push_back(symbol);
         }
         addSymbolsMissing(candidate, missing,
                           QStringLiteral("%1 what %2 does not have").arg(who, library.path));
     }
 }
 
-void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std::string> symbols,
-                                     const QString &message)
+/// The host has it, and finds it by its own rules.
+void LibraryCheck::leaveOutManager()
 {
+    m_report.leaveOut(
+        QStringLiteral("What plug-ins use of the manager's library was not looked at, as it was "
+                       "not found: name its folder by --library-dir."));
+}
+
+void LibraryCheck::addSymbolsMissing(const Candidate &candidate, Symbols symbols, const QString &message)
+{
+    if (m_search.find(librariesOfHosts().last(), *candidate.file, candidate.path, {}).path.isEmpty()) {
+        const auto others = std::remove_if(symbols.begin(), symbols.end(), [](const ImportedSymbol &symbol) {
+            return isOfManager(QString::fromStdString(symbol.name));
+        });
+        if (others != symbols.end())
+            leaveOutManager();
+        symbols.erase(others, symbols.end());
+    }
     if (symbols.empty())
         return;
     constexpr std::size_t most = 5;
-    std::sort(symbols.begin(), symbols.end());
+    std::sort(symbols.begin(), symbols.end(),
+              [](const ImportedSymbol &left, const ImportedSymbol &right) { return left.name < right.name; });
     QStringList names;
     for (std::size_t i = 0; i < symbols.size() && i < most; ++i)
-        names.append(QString::fromStdString(symbols[i]));
+        names.append(textOf(symbols[i]));
     if (symbols.size() > most)
         names.append(QStringLiteral("and %1 more").arg(symbols.size() - most));
     add(Code::SymbolMissing, candidate,
@@ -678,7 +829,18 @@ void LibraryCheck::addSymbolsMissing(const Candidate &candidate, std::vector<std
 
 void LibraryCheck::checkVersions(const Candidate &candidate, const QVector<Needed> &needed)
 {
-    for (const ImportedVersion &version : candidate.file->importedVersions) {
+    checkVersionsOf(*candidate.file, QStringLiteral("It needs"), candidate, needed);
+    for (const Needed &library : needed) {
+        if (!library.isSystem)
+            checkVersionsOf(m_search.read(library.path),
+                            QStringLiteral("It needs %1, which needs").arg(library.path), candidate, needed);
+    }
+}
+
+void LibraryCheck::checkVersionsOf(const LibraryFile &user, const QString &who, const Candidate &candidate,
+                                   const QVector<Needed> &needed)
+{
+    for (const ImportedVersion &version : user.importedVersions) {
         const auto library = std::find_if(needed.begin(), needed.end(),
                                           [&](const Needed &other) { return other.name == version.library; });
         if (library == needed.end())
@@ -687,8 +849,8 @@ void LibraryCheck::checkVersions(const Candidate &candidate, const QVector<Neede
         if (file.definedVersions.empty() || file.definedVersions.count(version.version) > 0)
             continue;
         add(Code::SymbolVersion, candidate,
-            QStringLiteral("It needs %1 of %2, and %3 does not have it.")
-                .arg(QString::fromStdString(version.version), version.library, library->path),
+            QStringLiteral("%1 %2 of %3, and %4 does not have it.")
+                .arg(who, QString::fromStdString(version.version), version.library, library->path),
             failsToLoad,
             QStringLiteral("Build it on the oldest system that it must run on, or ship what it needs."));
     }
@@ -797,6 +959,14 @@ void LibraryCheck::checkBuilds(const QVector<Candidate> &candidates)
     }
 }
 
+}
+
+bool isRefusal(Code code)
+{
+    constexpr Code refusals[] = {Code::LibraryUnreadable, Code::LibraryFormat, Code::LibraryTruncated,
+                                 Code::LibraryDamaged,    Code::NeededMissing, Code::SymbolMissing,
+                                 Code::SymbolVersion};
+    return std::find(std::begin(refusals), std::end(refusals), code) != std::end(refusals);
 }
 
 void checkLibraries(const QVector<Configuration> &configurations, const LibrarySearch &search, Report &report)

@@ -9,4 +9,7 @@ namespace PluginCheck {
 void checkLibraries(const QVector<Configuration> &configurations, const LibrarySearch &search,
                     Report &report);
 
+/// Whether a library with a finding of this kind is not loaded.
+bool isRefusal(Code code);
+
 }

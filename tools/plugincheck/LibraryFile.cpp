@@ -20,7 +20,7 @@ namespace PluginCheck {
 
 namespace {
 
-constexpr qint64 largestFile = qint64(1024) * 1024 * 1024;
+constexpr qint64 largestContent = qint64(1024) * 1024 * 1024;
 
 /// What QLibrary looks for to tell a Qt plug-in from other libraries, and what follows there. It takes the
 /// last one in a section of its own, and on Windows the last one of the file.
@@ -59,16 +59,6 @@ void readResourceVersion(const QByteArray &content, LibraryFile &file)
         QStringLiteral("%1.%2.%3.%4").arg(part(10)).arg(part(8)).arg(part(14)).arg(part(12));
 }
 
-LibraryFile readBeginning(const QString &path)
-{
-    constexpr qint64 enough = 4096;
-    LibraryFile file;
-    QFile source(path);
-    if (QFileInfo(path).isFile() && source.open(QIODevice::ReadOnly))
-        LibraryHeader(source.read(enough)).describe(file);
-    return file;
-}
-
 #ifdef PLUGINCHECK_HAS_LIEF
 
 QStringList paths(const std::vector<std::string> &all)
@@ -89,9 +79,44 @@ void readStamp(const LibraryHeader &header, quint64 address, LibraryFile &file)
         file.stamp = text.left(int(qstrnlen(text.constData(), uint(text.size()))));
 }
 
+using VersionNames = std::unordered_map<unsigned, std::string>;
+
+/// The names of the versions that a file defines and needs, by the numbers that its symbols have.
+VersionNames readVersions(const LIEF::ELF::Binary &binary, LibraryFile &file)
+{
+    using namespace LIEF::ELF;
+    VersionNames names;
+    for (const SymbolVersionRequirement &requirement : binary.symbols_version_requirement()) {
+        for (const SymbolVersionAuxRequirement &version : requirement.auxiliary_symbols()) {
+            constexpr uint16_t weak = 2; // The loader only warns of it.
+            names[version.other()] = version.name();
+            if (!(version.flags() & weak))
+                file.importedVersions.append({QString::fromStdString(requirement.name()), version.name()});
+        }
+    }
+    for (const SymbolVersionDefinition &definition : binary.symbols_version_definition()) {
+        for (const SymbolVersionAux &version : definition.symbols_aux()) {
+            file.definedVersions.insert(version.name());
+            // Those that it succeeds follow.
+            names.emplace(definition.ndx(), version.name());
+        }
+    }
+    return names;
+}
+
+std::string versionOf(const LIEF::ELF::Symbol &symbol, const VersionNames &names)
+{
+    constexpr unsigned number = 0x7fff;
+    constexpr unsigned firstOwn = 2; // One is that of the library itself.
+    const unsigned version = symbol.has_version() ? symbol.symbol_version().value() & number : 0;
+    const auto name = names.find(version);
+    return version < firstOwn || name == names.end() ? std::string() : name->second;
+}
+
 void readElfSymbols(const LIEF::ELF::Binary &binary, const LibraryHeader &header, LibraryFile &file)
 {
     using namespace LIEF::ELF;
+    const VersionNames versions = readVersions(binary, file);
     constexpr ELF_SYMBOL_TYPES callable[] = {ELF_SYMBOL_TYPES::STT_FUNC, ELF_SYMBOL_TYPES::STT_GNU_IFUNC,
                                              ELF_SYMBOL_TYPES::STT_NOTYPE};
     for (const Symbol &symbol : binary.dynamic_symbols()) {
@@ -99,10 +124,11 @@ void readElfSymbols(const LIEF::ELF::Binary &binary, const LibraryHeader &header
         if (symbol.name().empty() || binding == SYMBOL_BINDINGS::STB_LOCAL)
             continue;
         if (symbol.shndx() == static_cast<uint16_t>(SYMBOL_SECTION_INDEX::SHN_UNDEF)) {
-            file.imports.append({symbol.name(), {}, binding == SYMBOL_BINDINGS::STB_WEAK});
+            file.imports.append(
+                {symbol.name(), {}, binding == SYMBOL_BINDINGS::STB_WEAK, versionOf(symbol, versions)});
             continue;
         }
-        file.exports.insert(symbol.name());
+        file.exports[symbol.name()].push_back(versionOf(symbol, versions));
         if (std::find(std::begin(callable), std::end(callable), symbol.type()) == std::end(callable))
             file.data.insert(symbol.name());
         if (symbol.name() == stampName)
@@ -132,15 +158,6 @@ void readElf(const LibraryHeader &header, LibraryFile &file)
             file.runpath += paths(runpath->paths());
     }
     readElfSymbols(*binary, header, file);
-    for (const SymbolVersionRequirement &requirement : binary->symbols_version_requirement()) {
-        for (const SymbolVersionAuxRequirement &version : requirement.auxiliary_symbols()) {
-            file.importedVersions.append({QString::fromStdString(requirement.name()), version.name()});
-        }
-    }
-    for (const SymbolVersionDefinition &definition : binary->symbols_version_definition()) {
-        for (const SymbolVersionAux &version : definition.symbols_aux())
-            file.definedVersions.insert(version.name());
-    }
 }
 
 void readPe(const LibraryHeader &header, LibraryFile &file)
@@ -153,7 +170,11 @@ void readPe(const LibraryHeader &header, LibraryFile &file)
         for (const ExportEntry &entry : binary->get_export().entries()) {
             if (entry.name().empty())
                 continue;
-            file.exports.insert(entry.name());
+            file.exports[entry.name()];
+            const QByteArray forward = header.forwardAt(entry.address());
+            if (!forward.isEmpty())
+                file.forwards[entry.name()] =
+                    QString::fromLatin1(forward.left(forward.lastIndexOf('.'))) + QLatin1String(".dll");
             if (!header.isFunction(entry.address()))
                 file.data.insert(entry.name());
             if (entry.name() == stampName)
@@ -193,6 +214,18 @@ void readContents(const LibraryHeader &, LibraryFile &) {}
 
 }
 
+/// A version that the file does not have at all is told of as such.
+bool LibraryFile::provides(const ImportedSymbol &symbol) const
+{
+    const auto found = exports.find(symbol.name);
+    if (found == exports.end())
+        return false;
+    const std::vector<std::string> &versions = found->second;
+    return symbol.version.empty() || definedVersions.count(symbol.version) == 0
+           || std::find(versions.begin(), versions.end(), symbol.version) != versions.end()
+           || std::find(versions.begin(), versions.end(), std::string()) != versions.end();
+}
+
 bool knowsLibraries()
 {
 #ifdef PLUGINCHECK_HAS_LIEF
@@ -225,16 +258,25 @@ LibraryFile readLibrary(const QString &path)
         unreadable.detail = QStringLiteral("It is no file.");
     else if (!source.open(QIODevice::ReadOnly))
         unreadable.detail = source.errorString() + '.';
-    else if (source.size() > largestFile)
-        unreadable.detail = QStringLiteral("It is larger than 1 GiB.");
     if (!unreadable.detail.isEmpty())
         return unreadable;
-    return readLibrary(source.readAll());
+    const std::optional<QByteArray> content = relevantContent(source, largestContent);
+    if (content)
+        return readLibrary(*content);
+    LibraryFile tooLarge;
+    tooLarge.problem = LibraryFile::Problem::TooLarge;
+    tooLarge.detail = QStringLiteral("It is too large to be checked: more than 1 GiB of it counts.");
+    return tooLarge;
 }
 
-QString machineOfFile(const QString &path)
+LibraryFile readBeginning(const QString &path)
 {
-    return readBeginning(path).machine;
+    constexpr qint64 enough = 4096;
+    LibraryFile file;
+    QFile source(path);
+    if (QFileInfo(path).isFile() && source.open(QIODevice::ReadOnly))
+        LibraryHeader(source.read(enough)).describe(file);
+    return file;
 }
 
 LibraryFile::Format formatOfFile(const QString &path)

@@ -5,7 +5,9 @@
 #include <QtCore/QVector>
 
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 namespace PluginCheck {
 
@@ -17,6 +19,8 @@ struct ImportedSymbol
     QString library;
     /// Whether the library can do without.
     bool isWeak = false;
+    /// The version that it is taken in; empty if any will do.
+    std::string version = {};
 };
 
 /// A version of another library that a library needs.
@@ -30,7 +34,7 @@ struct ImportedVersion
 struct LibraryFile
 {
     enum class Format { None, Elf, Pe };
-    enum class Problem { None, Unreadable, NoLibrary, Truncated, Damaged };
+    enum class Problem { None, Unreadable, TooLarge, NoLibrary, Truncated, Damaged };
 
     Problem problem = Problem::None;
     /// More of the problem, for people.
@@ -44,12 +48,20 @@ struct LibraryFile
     QStringList needed;
     QStringList rpath;
     QStringList runpath;
-    std::unordered_set<std::string> exports;
+    /// Whether the loader must not look for what it needs in the system's folders.
+    bool avoidsSystem = false;
+    /// With the versions in which each is there; an empty one where it is there without a version.
+    std::unordered_map<std::string, std::vector<std::string>> exports;
+    /// The DLLs that have what a DLL only passes on.
+    std::unordered_map<std::string, QString> forwards;
     /// Those of the exports that cannot be called.
     std::unordered_set<std::string> data;
     QVector<ImportedSymbol> imports;
     QVector<ImportedVersion> importedVersions;
     std::unordered_set<std::string> definedVersions;
+    /// Whether a symbol that is taken by name and version is found here.
+    bool provides(const ImportedSymbol &symbol) const;
+
     /// Whether all that it exports is known, so that what is not there is missing.
     bool exportsAreComplete = false;
 
@@ -79,11 +91,13 @@ inline constexpr auto nativeFormat = LibraryFile::Format::Pe;
 inline constexpr auto nativeFormat = LibraryFile::Format::Elf;
 #endif
 
+/// What the machine is called that this process runs on.
+QString nativeMachine();
+
+/// Reads only the beginning of a file, for its format and machine.
+LibraryFile readBeginning(const QString &path);
+
 /// Returns the format of a file. Reads only its beginning.
 LibraryFile::Format formatOfFile(const QString &path);
-
-/// What the machine is called that a file is built for; empty for what is no library. Reads only its
-/// beginning.
-QString machineOfFile(const QString &path);
 
 }

@@ -34,6 +34,15 @@ QString machineName(const Machine (&machines)[size], quint64 number)
                                          : QString::fromLatin1(machine->name);
 }
 
+template <std::size_t size>
+bool isKnown(const Machine (&machines)[size], quint64 number)
+{
+    return std::any_of(std::begin(machines), std::end(machines),
+                       [&](const Machine &candidate) { return candidate.number == number; });
+}
+
+}
+
 QString nativeMachine()
 {
     const QString architecture = QSysInfo::buildCpuArchitecture();
@@ -44,8 +53,6 @@ QString nativeMachine()
     if (architecture == QLatin1String("arm64"))
         return QStringLiteral("ARM 64");
     return architecture == QLatin1String("arm") ? QStringLiteral("ARM") : architecture;
-}
-
 }
 
 LibraryHeader::LibraryHeader(const QByteArray &content)
@@ -119,15 +126,28 @@ QByteArray LibraryHeader::contentAt(quint64 address, quint64 length) const
     return {};
 }
 
+/// The first directory is that of exports; an address in it is that of a name.
+bool LibraryHeader::isAmongExports(quint64 address) const
+{
+    const quint64 optional = at<quint32>(60) + 24;
+    const quint64 exports = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
+    const quint64 begin = at<quint32>(exports);
+    return address >= begin && address - begin < at<quint32>(exports + 4);
+}
+
+QByteArray LibraryHeader::forwardAt(quint64 address) const
+{
+    constexpr quint64 longest = 512;
+    const QByteArray text = isAmongExports(address) ? contentAt(address, longest) : QByteArray();
+    return text.left(int(qstrnlen(text.constData(), uint(text.size()))));
+}
+
 bool LibraryHeader::isFunction(quint64 address) const
 {
     constexpr quint64 executable = 0x20000000;
     const quint64 header = at<quint32>(60);
     const quint64 optional = header + 24;
-    // The first directory is that of exports; an address in it is that of a name.
-    const quint64 exports = optional + (at<quint16>(optional) == 0x20b ? 112 : 96);
-    const quint64 exportsBegin = at<quint32>(exports);
-    if (address >= exportsBegin && address - exportsBegin < at<quint32>(exports + 4))
+    if (isAmongExports(address))
         return true;
     const quint64 sections = optional + at<quint16>(header + 20);
     for (quint64 i = 0; i < at<quint16>(header + 6); ++i) {
@@ -162,6 +182,44 @@ void setTruncated(LibraryFile &file, quint64 size, quint64 expected)
                       .arg(locale.toString(qulonglong(size)), locale.toString(qulonglong(expected)));
 }
 
+/// The first bytes of an ELF file, which the loader compares with its own.
+void LibraryHeader::describeIdentity(LibraryFile &file) const
+{
+    constexpr int byteOrder = 5;
+    constexpr int firstOfPadding = 9;
+    constexpr int endOfPadding = 16;
+    const auto swapped = quint64(qbswap(quint16(at<quint16>(18))));
+    const quint64 number = at<quint16>(18);
+    const bool isSwapped = !isKnown(elfMachines, number) && isKnown(elfMachines, swapped);
+    file.machine = machineName(elfMachines, isSwapped ? swapped : number);
+    if (!isWide() && file.machine == QLatin1String("x86-64"))
+        file.machine = QStringLiteral("x32");
+    const auto isZero = [](char byte) { return byte == 0; };
+    const char order = m_content.at(byteOrder);
+    if (isSwapped || (order != 1 && order != 2))
+        file.detail = QStringLiteral("The ELF header names a byte order that its machine does not have.");
+    else if (m_content.at(6) != 1 || at<quint32>(20) != 1)
+        file.detail = QStringLiteral("The ELF header is of an unknown version.");
+    else if (!std::all_of(m_content.begin() + firstOfPadding, m_content.begin() + endOfPadding, isZero))
+        file.detail = QStringLiteral("The ELF header has content where zeros belong.");
+    else if (file.machine == nativeMachine() && !isForOwnSystem())
+        file.detail =
+            QStringLiteral("The ELF header names another operating system, or a later version of it.");
+    if (!file.detail.isEmpty())
+        file.problem = LibraryFile::Problem::Damaged;
+}
+
+/// Linux has a number, and no number, and counts what it has added to the format.
+bool LibraryHeader::isForOwnSystem() const
+{
+    constexpr char none = 0;
+    constexpr char gnu = 3;
+    constexpr char additions = 4;
+    const char system = m_content.at(7);
+    const char version = m_content.at(8);
+    return (system == none && version == 0) || (system == gnu && version >= 0 && version <= additions);
+}
+
 void LibraryHeader::describeElf(LibraryFile &file) const
 {
     constexpr quint64 sharedObject = 3;
@@ -169,11 +227,12 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     constexpr quint64 dynamic = 2;
     constexpr quint64 program = 0x08000000;
     constexpr quint64 unopenable = 0x40;
+    constexpr quint64 withoutSystem = 0x800;
     const auto size = quint64(m_content.size());
     file.format = LibraryFile::Format::Elf;
-    file.machine = machineName(elfMachines, at<quint16>(18));
-    if (!isWide() && file.machine == QLatin1String("x86-64"))
-        file.machine = QStringLiteral("x32");
+    describeIdentity(file);
+    if (file.problem != LibraryFile::Problem::None)
+        return;
     const quint64 headerSize = isWide() ? 64 : 52;
     if (size < headerSize) {
         setTruncated(file, size, headerSize);
@@ -217,6 +276,9 @@ void LibraryHeader::describeElf(LibraryFile &file) const
     } else if (!isDynamic || !isLoadable) {
         file.problem = LibraryFile::Problem::Damaged;
         file.detail = QStringLiteral("The file has no dynamic section, or nothing to load.");
+    } else if (!areSegmentsInPlace()) {
+        file.problem = LibraryFile::Problem::Damaged;
+        file.detail = QStringLiteral("The table of segments has an address where the file cannot be put.");
     } else if (dynamicFlags() & program) {
         file.problem = LibraryFile::Problem::NoLibrary;
         file.detail = QStringLiteral("It is a program, which the loader loads into no other.");
@@ -224,6 +286,30 @@ void LibraryHeader::describeElf(LibraryFile &file) const
         file.problem = LibraryFile::Problem::NoLibrary;
         file.detail = QStringLiteral("It was linked with -z nodlopen, so that the loader refuses it.");
     }
+    file.avoidsSystem = file.problem == LibraryFile::Problem::None && (dynamicFlags() & withoutSystem) != 0;
+}
+
+/// Whether what is loaded begins at the same place in a page as in the file, rises, and leaves room for
+/// others.
+bool LibraryHeader::areSegmentsInPlace() const
+{
+    constexpr quint64 loadable = 1;
+    constexpr quint64 smallestPage = 4096;
+    constexpr quint64 mostMemory = quint64(1) << 47;
+    const quint64 segmentSize = isWide() ? 56 : 32;
+    quint64 before = 0;
+    for (quint64 i = 0; i < at<quint16>(isWide() ? 56 : 44); ++i) {
+        const quint64 segment = word(28, 32) + i * segmentSize;
+        if (at<quint32>(segment) != loadable)
+            continue;
+        const quint64 address = word(segment + 8, segment + 16);
+        const quint64 length = word(segment + 20, segment + 40);
+        const bool isAligned = (address - word(segment + 4, segment + 8)) % smallestPage == 0;
+        if (!isAligned || address < before || address > mostMemory || length > mostMemory)
+            return false;
+        before = address;
+    }
+    return true;
 }
 
 /// What DT_FLAGS_1 says of how the library may be loaded.
@@ -305,6 +391,74 @@ bool LibraryHeader::hasSections() const
             return false;
     }
     return tables == 1;
+}
+
+quint64 LibraryHeader::endOfLoaded() const
+{
+    constexpr quint64 loadable = 1;
+    const quint64 segmentSize = isWide() ? 56 : 32;
+    const quint64 count = at<quint16>(isWide() ? 56 : 44);
+    quint64 end = word(28, 32) + count * segmentSize;
+    for (quint64 i = 0; i < count; ++i) {
+        const quint64 segment = word(28, 32) + i * segmentSize;
+        if (at<quint32>(segment) == loadable)
+            end = std::max(end, word(segment + 4, segment + 8) + word(segment + 16, segment + 32));
+    }
+    return end;
+}
+
+/// Writes an address or a length in the file's own way.
+void LibraryHeader::putWord(QByteArray &bytes, int position, quint64 value) const
+{
+    char *const place = bytes.data() + position;
+    if (isWide())
+        m_isBigEndian ? qToBigEndian(value, place) : qToLittleEndian(value, place);
+    else
+        m_isBigEndian ? qToBigEndian(quint32(value), place) : qToLittleEndian(quint32(value), place);
+}
+
+QByteArray LibraryHeader::withSections(QIODevice &file) const
+{
+    constexpr qint64 mostNames = qint64(16) * 1024 * 1024;
+    const auto read = [&file](quint64 begin, quint64 length) {
+        return file.seek(qint64(begin)) ? file.read(qint64(length)) : QByteArray();
+    };
+    QByteArray content = read(0, endOfLoaded());
+    const quint64 sections = word(32, 40);
+    const quint64 sectionSize = isWide() ? 64 : 40;
+    const quint64 sectionCount = at<quint16>(isWide() ? 60 : 48);
+    const quint64 names = at<quint16>(isWide() ? 62 : 50) * sectionSize;
+    QByteArray table = read(sections, sectionCount * sectionSize);
+    if (sections < quint64(content.size()) || quint64(table.size()) != sectionCount * sectionSize
+        || names >= quint64(table.size()))
+        return content;
+    const LibraryHeader header(content.left(6) + table);
+    const quint64 name = 6 + names;
+    const quint64 length = header.word(name + 20, name + 32);
+    if (length > quint64(mostNames))
+        return content;
+    const QByteArray texts = read(header.word(name + 16, name + 24), length);
+    putWord(table, int(names + (isWide() ? 24 : 16)), quint64(content.size() + table.size()));
+    putWord(content, isWide() ? 40 : 32, quint64(content.size()));
+    return content + table + texts;
+}
+
+std::optional<QByteArray> relevantContent(QIODevice &file, qint64 most)
+{
+    constexpr qint64 enoughForHeaders = qint64(4) * 1024 * 1024; // As many segments as there can be.
+    const QByteArray beginning = file.read(enoughForHeaders);
+    LibraryFile described;
+    const LibraryHeader header(beginning);
+    header.describe(described);
+    if (described.format == LibraryFile::Format::None || file.size() <= beginning.size())
+        return beginning;
+    const bool isElf = described.format == LibraryFile::Format::Elf;
+    const quint64 end = isElf ? header.endOfLoaded() : quint64(file.size());
+    if (std::min(end, quint64(file.size())) > quint64(most))
+        return std::nullopt;
+    if (isElf && end < quint64(file.size()))
+        return header.withSections(file);
+    return file.seek(0) ? file.readAll() : beginning;
 }
 
 std::vector<uint8_t> LibraryHeader::reduced() const

@@ -2,6 +2,10 @@
 
 #include "LibraryFile.h"
 
+#include <QtCore/QIODevice>
+
+#include <optional>
+
 namespace PluginCheck {
 
 /**
@@ -30,6 +34,16 @@ public:
     /// Whether a PE file has code at an address, or the name of a function of another library.
     bool isFunction(quint64 address) const;
 
+    /// Returns the name of the library and the function that a PE file has at an address in the place of a
+    /// function; nothing if there is none.
+    QByteArray forwardAt(quint64 address) const;
+
+    /// Returns where all ends that is loaded of an ELF file, the headers included.
+    quint64 endOfLoaded() const;
+
+    /// Returns the content of an ELF file up to there, with the table of sections put behind it.
+    QByteArray withSections(QIODevice &file) const;
+
     /// Whether an ELF file has a table of sections with one of dynamic symbols, and both lie in the file.
     bool hasSections() const;
 
@@ -39,11 +53,16 @@ private:
     quint64 word(quint64 position32, quint64 position64) const;
     QByteArray bytes(quint64 begin, quint64 length) const;
     quint64 dynamicFlags() const;
+    void describeIdentity(LibraryFile &file) const;
+    bool isForOwnSystem() const;
+    bool areSegmentsInPlace() const;
     void describeElf(LibraryFile &file) const;
     void describePe(LibraryFile &file) const;
     void reduceElf(std::vector<uint8_t> &bytes) const;
     void reduceDynamic(std::vector<uint8_t> &bytes, quint64 begin, quint64 length) const;
     void reducePe(std::vector<uint8_t> &bytes) const;
+    void putWord(QByteArray &bytes, int position, quint64 value) const;
+    bool isAmongExports(quint64 address) const;
     bool isPe() const { return m_content.startsWith("MZ"); }
     bool isWide() const { return m_isWide; }
 
@@ -51,5 +70,10 @@ private:
     bool m_isWide = true;
     bool m_isBigEndian = false;
 };
+
+/// Returns what there is to know of a library's file, and of another file its beginning. Most of a large
+/// library is for debuggers, lies behind all that is loaded, and is not read. Returns nothing if more than so
+/// many bytes are left.
+std::optional<QByteArray> relevantContent(QIODevice &file, qint64 most);
 
 }

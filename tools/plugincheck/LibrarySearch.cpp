@@ -1,5 +1,7 @@
 #include "LibrarySearch.h"
 
+#include "windowsLibraries.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
@@ -12,155 +14,24 @@ namespace PluginCheck {
 
 namespace {
 
-/// What a Windows of today has in its own folders, as far as plug-ins and Qt use it.
-const char *const windowsLibraries[] = {"activeds",
-                                        "advapi32",
-                                        "advpack",
-                                        "authz",
-                                        "avicap32",
-                                        "avrt",
-                                        "bcrypt",
-                                        "bcryptprimitives",
-                                        "bthprops",
-                                        "cabinet",
-                                        "cfgmgr32",
-                                        "clusapi",
-                                        "comctl32",
-                                        "comdlg32",
-                                        "concrt140",
-                                        "coremessaging",
-                                        "credui",
-                                        "crypt32",
-                                        "cryptbase",
-                                        "cryptui",
-                                        "d2d1",
-                                        "d3d10",
-                                        "d3d10_1",
-                                        "d3d11",
-                                        "d3d12",
-                                        "d3d9",
-                                        "d3dcompiler_47",
-                                        "dbgeng",
-                                        "dbghelp",
-                                        "dcomp",
-                                        "ddraw",
-                                        "dhcpcsvc",
-                                        "dinput8",
-                                        "dnsapi",
-                                        "dsound",
-                                        "dwmapi",
-                                        "dwrite",
-                                        "dxgi",
-                                        "dxva2",
-                                        "evr",
-                                        "fltlib",
-                                        "fwpuclnt",
-                                        "gdi32",
-                                        "gdi32full",
-                                        "gdiplus",
-                                        "glu32",
-                                        "hid",
-                                        "hlink",
-                                        "httpapi",
-                                        "icmp",
-                                        "imagehlp",
-                                        "imm32",
-                                        "iphlpapi",
-                                        "kernel32",
-                                        "kernelbase",
-                                        "ktmw32",
-                                        "loadperf",
-                                        "mf",
-                                        "mfplat",
-                                        "mfreadwrite",
-                                        "mpr",
-                                        "msacm32",
-                                        "mscms",
-                                        "msctf",
-                                        "msdmo",
-                                        "msi",
-                                        "msimg32",
-                                        "msvcp60",
-                                        "msvcp_win",
-                                        "msvcrt",
-                                        "msvfw32",
-                                        "mswsock",
-                                        "ncrypt",
-                                        "netapi32",
-                                        "newdev",
-                                        "normaliz",
-                                        "ntdll",
-                                        "ntdsapi",
-                                        "odbc32",
-                                        "ole32",
-                                        "oleacc",
-                                        "oleaut32",
-                                        "oledlg",
-                                        "opengl32",
-                                        "pdh",
-                                        "powrprof",
-                                        "prntvpt",
-                                        "propsys",
-                                        "psapi",
-                                        "qwave",
-                                        "rasapi32",
-                                        "resutils",
-                                        "rpcrt4",
-                                        "rstrtmgr",
-                                        "sechost",
-                                        "secur32",
-                                        "sensapi",
-                                        "setupapi",
-                                        "sfc",
-                                        "shcore",
-                                        "shell32",
-                                        "shlwapi",
-                                        "slc",
-                                        "snmpapi",
-                                        "sspicli",
-                                        "tapi32",
-                                        "tdh",
-                                        "ucrtbase",
-                                        "uiautomationcore",
-                                        "urlmon",
-                                        "user32",
-                                        "userenv",
-                                        "usp10",
-                                        "uxtheme",
-                                        "version",
-                                        "vssapi",
-                                        "wbemuuid",
-                                        "wdapi",
-                                        "webservices",
-                                        "wer",
-                                        "wevtapi",
-                                        "wiaservc",
-                                        "win32u",
-                                        "windowscodecs",
-                                        "winhttp",
-                                        "wininet",
-                                        "winmm",
-                                        "winscard",
-                                        "winspool.drv",
-                                        "wintrust",
-                                        "wlanapi",
-                                        "wldap32",
-                                        "wmi",
-                                        "ws2_32",
-                                        "wsock32",
-                                        "wtsapi32",
-                                        "xinput1_4",
-                                        "xmllite"};
-
 bool isWindowsLibrary(const QString &name)
 {
+    static const QStringList sorted = QString::fromLatin1(windowsLibraries).split('\n', Qt::SkipEmptyParts);
     QString base = name.toLower();
     if (base.startsWith(QLatin1String("api-ms-win-")) || base.startsWith(QLatin1String("ext-ms-")))
         return true;
     if (base.endsWith(QLatin1String(".dll")))
         base.chop(4);
-    return std::any_of(std::begin(windowsLibraries), std::end(windowsLibraries),
-                       [&](const char *library) { return base == QLatin1String(library); });
+    return std::binary_search(sorted.begin(), sorted.end(), base);
+}
+
+/// Windows has more than anybody lists, but nothing of Qt, of MinGW and of Visual C++'s run-time libraries.
+bool mayBeOfWindows(const QString &name)
+{
+    static const QRegularExpression others(
+        QStringLiteral(R"(^(Qt\d|lib|pluginManger|msvcp1|msvcr\d|vcruntime|concrt))"),
+        QRegularExpression::CaseInsensitiveOption);
+    return !name.contains(others);
 }
 
 const QStringList &defaultDirectories()
@@ -172,6 +43,53 @@ const QStringList &defaultDirectories()
                                          QStringLiteral("/lib"),
                                          QStringLiteral("/usr/lib")};
     return directories;
+}
+
+/// What the loader of this machine puts in for names in paths, and for which kinds of processor it looks in
+/// folders of their own, the best first.
+struct Loader
+{
+    QString lib = QFileInfo::exists(QStringLiteral("/lib/x86_64-linux-gnu"))
+                      ? QStringLiteral("lib/x86_64-linux-gnu")
+                      : QStringLiteral("lib64");
+    QString platform = QStringLiteral("x86_64");
+    QStringList processors;
+};
+
+/// What the loader tells of itself when it is called as a program; that of old systems tells nothing.
+QString diagnosticsOfLoader()
+{
+    constexpr int timeLimitInMilliseconds = 10000;
+    QProcess process;
+    process.start(QStringLiteral("/lib64/ld-linux-x86-64.so.2"), {QStringLiteral("--list-diagnostics")});
+    return process.waitForFinished(timeLimitInMilliseconds)
+               ? QString::fromLatin1(process.readAllStandardOutput())
+               : QString();
+}
+
+const Loader &loader()
+{
+    static const Loader known = [] {
+        Loader told;
+        const QString text = diagnosticsOfLoader();
+        const auto valueOf = [&text](const char *key) {
+            const QRegularExpression line(QStringLiteral("^%1=\"?([^\"\n]*)").arg(QLatin1String(key)),
+                                          QRegularExpression::MultilineOption);
+            return line.match(text).captured(1);
+        };
+        if (!valueOf("dl_dst_lib").isEmpty())
+            told.lib = valueOf("dl_dst_lib");
+        if (!valueOf("dl_platform").isEmpty())
+            told.platform = valueOf("dl_platform");
+        const uint active = valueOf("dl_hwcaps_subdirs_active").toUInt(nullptr, 0);
+        const QStringList processors = valueOf("dl_hwcaps_subdirs").split(':', Qt::SkipEmptyParts);
+        for (int i = 0; i < processors.size(); ++i) {
+            if (active & (1U << i))
+                told.processors.append(processors.at(i));
+        }
+        return told;
+    }();
+    return known;
 }
 
 }
@@ -199,6 +117,17 @@ QString Folders::exactFile(const QStringList &names) const
         }
     }
     return {};
+}
+
+QStringList Folders::everyFile(const QString &name) const
+{
+    QStringList paths;
+    for (const QString &directory : m_directories) {
+        const QString path = QDir(directory).filePath(name);
+        if (QFileInfo::exists(path) && !paths.contains(path))
+            paths.append(path);
+    }
+    return paths;
 }
 
 QString Folders::similarFile(const QString &name) const
@@ -248,7 +177,7 @@ FoundLibrary LibrarySearch::findPe(const QString &needed) const
         return {FoundLibrary::State::Found, path, false};
     if (isWindowsLibrary(needed))
         return {FoundLibrary::State::Found, {}, true};
-    return {};
+    return {mayBeOfWindows(needed) ? FoundLibrary::State::Unknown : FoundLibrary::State::Missing, {}, false};
 }
 
 FoundLibrary LibrarySearch::findElf(const QString &needed, const LibraryFile &file, const QString &path,
@@ -268,36 +197,79 @@ FoundLibrary LibrarySearch::findElf(const QString &needed, const LibraryFile &fi
         directories += QFile::decodeName(qgetenv("LD_LIBRARY_PATH")).split(':', Qt::SkipEmptyParts);
     directories += expandedPaths(file.runpath, path);
     for (const QString &directory : qAsConst(directories)) {
-        const QString library = inDirectory(directory, needed, file.machine);
+        const QString library = inDirectory(directory, needed, file);
         if (!library.isEmpty())
             return found(library, defaultDirectories().contains(directory));
     }
-    if (!file.isNative)
-        return {FoundLibrary::State::Unknown, {}, true};
+    return file.isNative ? findInSystem(needed, file) : FoundLibrary{FoundLibrary::State::Unknown, {}, true};
+}
 
+/// With -z nodefaultlib the loader does not look there, but what the host has loaded is there all the same.
+FoundLibrary LibrarySearch::findInSystem(const QString &needed, const LibraryFile &file) const
+{
+    const bool isEverywhere = !file.avoidsSystem || isOfHosts(needed, file);
     const QString cached = systemCache().value(needed);
-    if (!cached.isEmpty() && QFileInfo::exists(cached))
-        return found(cached, true);
+    const bool isElsewhere =
+        !cached.startsWith(QLatin1String("/lib/")) && !cached.startsWith(QLatin1String("/usr/lib/"));
+    if (!cached.isEmpty() && QFileInfo::exists(cached) && (isEverywhere || isElsewhere))
+        return {FoundLibrary::State::Found, cached, true};
+    if (!isEverywhere)
+        return {};
     for (const QString &directory : defaultDirectories()) {
-        const QString library = inDirectory(directory, needed, file.machine);
+        const QString library = inDirectory(directory, needed, file);
         if (!library.isEmpty())
-            return found(library, true);
+            return {FoundLibrary::State::Found, library, true};
     }
     return {};
 }
 
-/// The loader passes over files for other machines.
-QString LibrarySearch::inDirectory(const QString &directory, const QString &name,
-                                   const QString &machine) const
+bool LibrarySearch::isOfHosts(const QString &needed, const LibraryFile &file) const
 {
-    const QString path = directory + '/' + name;
-    return machineOf(path) == machine ? path : QString();
+    if (!m_ofHosts.isEmpty())
+        return m_ofHosts.contains(needed);
+    LibraryFile host;
+    host.isNative = true;
+    host.machine = file.machine;
+    m_ofHosts = librariesOfHosts();
+    for (int i = 0; i < m_ofHosts.size(); ++i) {
+        const FoundLibrary library = findElf(m_ofHosts.at(i), host, {}, {});
+        if (library.path.isEmpty())
+            continue;
+        m_ofHosts += read(library.path).needed;
+        m_ofHosts.removeDuplicates();
+    }
+    return m_ofHosts.contains(needed);
 }
 
-const QString &LibrarySearch::machineOf(const QString &path) const
+QString LibrarySearch::inDirectory(const QString &directory, const QString &name,
+                                   const LibraryFile &file) const
 {
-    const auto known = m_machines.constFind(path);
-    return known == m_machines.constEnd() ? *m_machines.insert(path, machineOfFile(path)) : *known;
+    const QString path = directory + '/' + name;
+    if (file.isNative) {
+        for (const QString &processor : loader().processors) {
+            QString special = directory + QLatin1String("/glibc-hwcaps/") + processor + '/' + name;
+            if (endsSearch(special, file.machine))
+                return special;
+        }
+    }
+    return endsSearch(path, file.machine) ? path : QString();
+}
+
+const LibraryKind &LibrarySearch::kindOf(const QString &path) const
+{
+    const auto known = m_kinds.constFind(path);
+    if (known != m_kinds.constEnd())
+        return *known;
+    const LibraryFile beginning = readBeginning(path);
+    return *m_kinds.insert(path, {beginning.format, beginning.machine});
+}
+
+bool LibrarySearch::endsSearch(const QString &path, const QString &machine) const
+{
+    if (!QFileInfo::exists(path) || !QFileInfo(path).isReadable())
+        return false;
+    const LibraryKind &kind = kindOf(path);
+    return kind.format != LibraryFile::Format::Elf || kind.machine == machine;
 }
 
 /// What the loader's own index has, which only its own program reads.
@@ -329,13 +301,39 @@ const QHash<QString, QString> &LibrarySearch::systemCache() const
 
 QStringList expandedPaths(const QStringList &paths, const QString &library)
 {
-    const QString origin = QFileInfo(library).canonicalPath();
+    // Not that of the file which a link leads to.
+    const QString origin = QFileInfo(QFileInfo(library).path()).canonicalFilePath();
+    static const QRegularExpression lib(QStringLiteral(R"(\$(\{LIB\}|LIB\b))"));
+    static const QRegularExpression platform(QStringLiteral(R"(\$(\{PLATFORM\}|PLATFORM\b))"));
+    static const QRegularExpression folder(QStringLiteral(R"(\$(\{ORIGIN\}|ORIGIN\b))"));
     QStringList expanded;
     for (QString path : paths) {
-        path.replace(QLatin1String("${ORIGIN}"), origin).replace(QLatin1String("$ORIGIN"), origin);
-        expanded.append(path);
+        if (path.contains(lib) || path.contains(platform))
+            path.replace(lib, loader().lib).replace(platform, loader().platform);
+        expanded.append(path.replace(folder, QString(origin).replace('\\', QLatin1String("\\\\"))));
     }
     return expanded;
+}
+
+bool isOfManager(const QString &text)
+{
+    static const QRegularExpression own(
+        QStringLiteral(R"(\b(lib)?pluginManger(Common)?\.(so\.\d+|dll)\b|QT[pP]luginsManger|\b_ZN6Common)"));
+    return text.contains(own);
+}
+
+const QStringList &librariesOfHosts()
+{
+    static const QStringList libraries{QStringLiteral("libQt5Core.so.5"),
+                                       QStringLiteral("libQt5Gui.so.5"),
+                                       QStringLiteral("libQt5Widgets.so.5"),
+                                       QStringLiteral("libglog.so.1"),
+                                       QStringLiteral("libstdc++.so.6"),
+                                       QStringLiteral("libc.so.6"),
+                                       QStringLiteral("libm.so.6"),
+                                       QStringLiteral("ld-linux-x86-64.so.2"),
+                                       QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)};
+    return libraries;
 }
 
 }

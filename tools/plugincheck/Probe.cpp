@@ -1,6 +1,8 @@
 #include "Probe.h"
 
+#include "LibraryChecks.h"
 #include "LibraryFile.h"
+#include "TextReport.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -161,11 +163,13 @@ public:
     void run(QVector<Job> jobs);
 
 private:
+    void takeBackRefusals(const Job &job);
     void startNext();
     void endIfInterrupted();
     void start(Job &job);
     void finish(const std::shared_ptr<Running> &running);
     void takeOutput(Running &running) const;
+    static QString reasonNotToProbe(const Running &running);
     void conclude(const Running &running);
     static void add(Code code, Job &job, const QString &message, const QString &consequence,
                     const QString &advice);
@@ -196,11 +200,23 @@ void Runner::run(QVector<Job> jobs)
     if (m_showsProgress)
         std::fputs("\r\x1b[K", stderr);
     for (const Job &job : qAsConst(m_jobs)) {
+        takeBackRefusals(job);
         if (!job.leftOut.isEmpty())
             m_report.leaveOut(job.leftOut);
         for (const Finding &finding : job.findings)
             m_report.add(finding);
     }
+}
+
+/// What the loader does is right, whatever was said of the file before.
+void Runner::takeBackRefusals(const Job &job)
+{
+    if (!job.plugin->probe || job.plugin->probe->result != QLatin1String("loaded"))
+        return;
+    const QStringList names = m_report.takeBack(job.configuration->file, job.plugin->name, isRefusal);
+    if (!names.isEmpty())
+        m_report.leaveOut(QStringLiteral("%1 of %2, which loaded when it was probed.")
+                              .arg(names.join(QStringLiteral(", ")), job.plugin->name));
 }
 
 void Runner::startNext()
@@ -237,7 +253,6 @@ QProcessEnvironment Runner::environment() const
         directories.append(before);
     if (!directories.isEmpty())
         result.insert(variable, directories.join(QDir::listSeparator()));
-    result.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     // Qt says so when there is none, which is nothing that a library has written.
     if (!result.contains(QStringLiteral("XDG_RUNTIME_DIR")))
         result.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_directory);
@@ -303,6 +318,25 @@ QString signalText(int number)
 #endif
 }
 
+/// Why the process had not come as far as the library when it ended.
+QString Runner::reasonNotToProbe(const Running &running)
+{
+    constexpr int most = 300;
+    const QProcess &process = *running.process;
+    QString why =
+        QStringLiteral("the process for it ended before the load, with status %1").arg(process.exitCode());
+    if (process.error() == QProcess::FailedToStart)
+        why = process.errorString();
+    else if (running.isOverdue)
+        why = QStringLiteral("the process for it was not ready in time");
+    else if (process.exitStatus() == QProcess::CrashExit)
+        why = QStringLiteral("the process for it crashed before the load, %1")
+                  .arg(signalText(process.exitCode()));
+    const QString output = QString::fromLocal8Bit(running.output).simplified();
+    return QStringLiteral("Libraries were not probed: %1.%2")
+        .arg(why, output.isEmpty() ? QString() : QStringLiteral(" It wrote: ") + output.left(most));
+}
+
 void Runner::conclude(const Running &running)
 {
     Job &job = *running.job;
@@ -320,8 +354,15 @@ void Runner::conclude(const Running &running)
     const QString last = lines.isEmpty() ? QString() : lines.last();
     result.detail = last.section(' ', 1);
     const QProcess &process = *running.process;
-    if (process.error() == QProcess::FailedToStart) {
-        job.leftOut = QStringLiteral("%1 was not probed: %2").arg(job.plugin->name, process.errorString());
+    if (!lines.value(0).startsWith(QLatin1String(ready))) {
+        job.leftOut = reasonNotToProbe(running);
+        return;
+    }
+    if (lines.first() == QLatin1String(ready) && last.startsWith(QLatin1String("failed"))
+        && isOfManager(last)) {
+        job.leftOut = QStringLiteral("%1 was not probed: it uses the manager's library, which was not found. "
+                                     "Name its folder by --library-dir.")
+                          .arg(job.plugin->name);
         return;
     }
     if (running.isOverdue) {
@@ -378,7 +419,8 @@ void Runner::add(Code code, Job &job, const QString &message, const QString &con
 void Runner::showProgress(const QString &name) const
 {
     if (m_showsProgress)
-        std::fprintf(stderr, "\r\x1b[KProbing %d of %d: %s", m_next, int(m_jobs.size()), qPrintable(name));
+        std::fprintf(stderr, "\r\x1b[KProbing %d of %d: %s", m_next, int(m_jobs.size()),
+                     qPrintable(inOneLine(name)));
 }
 
 }
@@ -387,6 +429,12 @@ void probeLibraries(const QVector<Configuration> &configurations, const Options 
 {
     const Interruptions interruptions;
     const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        report.leaveOut(
+            QStringLiteral("Libraries were not probed, as there is no place for temporary files: %1")
+                .arg(directory.errorString()));
+        return;
+    }
     QVector<Job> jobs;
     for (int i = 0; i < configurations.size(); ++i) {
         for (PluginReport &plugin : report.configurations[i].plugins) {

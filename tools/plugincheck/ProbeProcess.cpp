@@ -15,6 +15,7 @@
 #include <ViewWidget.h>
 #include <Viewbar_Status.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QLibrary>
 #include <QtCore/QPluginLoader>
@@ -119,8 +120,52 @@ void loadTool(const QString &path)
 
 }
 
+namespace {
+
+/// The first that is there of those that need no display. A host's own Qt need not have them all.
+QByteArray platform()
+{
+    for (const QString &name : {QStringLiteral("offscreen"), QStringLiteral("minimal")}) {
+        for (const QString &folder : QCoreApplication::libraryPaths()) {
+            const QDir platforms(folder + QLatin1String("/platforms"));
+            if (!platforms.entryList({QStringLiteral("*q%1*").arg(name)}, QDir::Files).isEmpty())
+                return name.toLatin1();
+        }
+    }
+    return "offscreen";
+}
+
+/// Each host has it loaded, and plug-ins may leave functions to it. It need not be found here.
+bool loadManager()
+{
+#ifdef Q_OS_UNIX
+    return pluginLoadFault(QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)).isEmpty()
+           && dlopen(PLUGINCHECK_MANAGER_LIBRARY, RTLD_NOW | RTLD_GLOBAL) != nullptr;
+#else
+    return false;
+#endif
+}
+
+void load(const QStringList &arguments)
+{
+    try {
+        if (setNamed(arguments.at(0)) == Set::Desktop)
+            loadTool(arguments.at(1));
+        else
+            loadLibrary(arguments.at(1));
+    } catch (...) {
+        sayThrown();
+    }
+}
+
+}
+
 int runProbe(int argc, char **argv)
 {
+    {
+        const QCoreApplication paths(argc, argv);
+        qputenv("QT_QPA_PLATFORM", platform());
+    }
     QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(2);
     if (arguments.size() < 3)
@@ -130,21 +175,12 @@ int runProbe(int argc, char **argv)
     setrlimit(RLIMIT_CORE, &none);
 #endif
     std::set_terminate(sayThrown);
-#ifdef Q_OS_UNIX
-    // Each host has it loaded, and plug-ins may leave functions to it. It need not be found here.
-    if (pluginLoadFault(QStringLiteral(PLUGINCHECK_MANAGER_LIBRARY)).isEmpty())
-        dlopen(PLUGINCHECK_MANAGER_LIBRARY, RTLD_NOW | RTLD_GLOBAL);
-#endif
     resultFile = arguments.at(2);
+    const bool hasManager = loadManager();
     QCoreApplication::setLibraryPaths(arguments.mid(3) + QCoreApplication::libraryPaths());
-    try {
-        if (setNamed(arguments.at(0)) == Set::Desktop)
-            loadTool(arguments.at(1));
-        else
-            loadLibrary(arguments.at(1));
-    } catch (...) {
-        sayThrown();
-    }
+    // What happens before is no fault of the library.
+    say(hasManager ? QLatin1String(readyWithManager) : QLatin1String(ready));
+    load(arguments);
     // What libraries do at the end of a process is not what is looked at.
     std::fflush(nullptr);
     std::_Exit(0);

@@ -68,6 +68,34 @@ void Report::leaveOut(const QString &what)
         m_leftOut.append(what);
 }
 
+QStringList Report::takeBack(const QString &configuration, const QString &plugin, bool (*kinds)(Code))
+{
+    QStringList names;
+    Severity worst = Severity::Note;
+    bool isFree = true;
+    const auto isTaken = [&](const Finding &finding) {
+        if (finding.configuration != configuration || finding.plugin != plugin)
+            return false;
+        const Check &check = checkOf(finding.code);
+        if (!kinds(finding.code)) {
+            worst = std::max(worst, check.severity);
+            isFree = false;
+            return false;
+        }
+        names.append(QString::fromLatin1(check.name));
+        --m_counts[static_cast<std::size_t>(check.severity)];
+        --m_countsByKind[{configuration, int(finding.code)}];
+        return true;
+    };
+    m_findings.erase(std::remove_if(m_findings.begin(), m_findings.end(), isTaken), m_findings.end());
+    if (isFree)
+        m_worst.remove({configuration, plugin});
+    else
+        m_worst.insert({configuration, plugin}, worst);
+    names.removeDuplicates();
+    return names;
+}
+
 int Report::pluginCount() const
 {
     int count = 0;

@@ -84,6 +84,10 @@ public:
         m_couldNotRead = true;
     }
 
+    /// Takes back what was found of a plug-in in these kinds, because it has turned out otherwise. Returns
+    /// the names of the kinds.
+    QStringList takeBack(const QString &configuration, const QString &plugin, bool (*kinds)(Code));
+
     const QVector<Finding> &findings() const { return m_findings; }
     const QStringList &leftOut() const { return m_leftOut; }
     int count(Severity severity) const { return m_counts[static_cast<std::size_t>(severity)]; }
