@@ -188,7 +188,7 @@ std::vector<QByteArray> namesFor(const QString &fileName)
     std::vector<QByteArray> names;
     for (const QString &prefix : qAsConst(prefixes)) {
         for (const QString &suffix : qAsConst(suffixes))
-            names.push_back(QFile::encodeName(directory + prefix + name + suffix).constData());
+            names.emplace_back(QFile::encodeName(directory + prefix + name + suffix).constData());
     }
     return names;
 }
