@@ -40,8 +40,6 @@ QVariantList toVariantList(const QJsonArray &array)
 const QString nothingLoaded =
     QStringLiteral("The manager logs one line, loads nothing of this set and reports success.");
 
-constexpr std::array namesRead{"pluginconfig.json", "pluginconfig4CAM.json", "pluginconfig4DFM.json"};
-
 void addUnreadable(const QString &file, const QString &why, Report &report,
                    const QString &consequence = nothingLoaded)
 {
@@ -84,6 +82,7 @@ void checkFileName(const QString &path, Report &report)
     Q_UNUSED(path)
     Q_UNUSED(report)
 #else
+    constexpr std::array namesRead{"pluginconfig.json", "pluginconfig4CAM.json", "pluginconfig4DFM.json"};
     const QString name = QFileInfo(path).fileName();
     for (const char *const read : namesRead) {
         const QLatin1String meant(read);
